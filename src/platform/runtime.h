@@ -1,0 +1,20 @@
+// Reports, time and chance: the platform's message box, clock and random numbers.
+// Library code calls these, never clock/rand/srand directly.
+#pragma once
+
+#include "platform/types.h"
+
+typedef int (*AfxReportHandler)(const char *pszText);
+
+// Hands the text to the current report handler and returns its result.
+int AfxMessageBox(const char *pszText, UINT nType = 0, UINT nIDHelp = 0);
+// Installs a report handler (NULL restores the default) and returns the previous one.
+// The default writes the text and a newline to standard error and returns at once.
+AfxReportHandler AfxSetReportHandler(AfxReportHandler pfnHandler);
+
+// Processor time of the process in milliseconds, the tick the library's constants assume.
+LONG AfxClock();
+
+// 0 to 32767 from the classic linear congruential generator.
+int AfxRand();
+void AfxSrand(unsigned nSeed);
