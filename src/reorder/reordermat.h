@@ -1,0 +1,119 @@
+// CReorderMat: the node graph of a mesh and a numbering of its vertices. It is the first
+// two steps of the road (graph, numbering); the pattern step reads it afterwards through
+// GetRows, f_v, f_v_inv and the rows of the base.
+//
+// One vertex per degree of freedom, one undirected edge per pair of degrees of freedom that
+// share an element. Rows hold vertex numbers, never labels (until CSystSpMat::Allocate
+// rewrites them, which spends the graph). m_pLabels[v] is the label (matrix row) of v.
+//
+// Calling order: Alloc(n); InsertDOFs(dofs, 0, count) per element; Init();
+// InsertDOFs(dofs, 1, count) per element again; a numbering (MinDegReorder..., Hager...,
+// then optionally TabuReorder); PostReorder(); the matrix's Allocate.
+//
+// Diagnostic script: the numberings that write one on their own open the file named by
+// SetScriptName ("Reord.m" in the working directory by default) with
+// modeCreate | modeReadWrite | shareExclusive; if that fails they do nothing at all.
+//
+// Choices where the description leaves room:
+// - Both constructors set m_pZ to NULL and m_nZ to 0, so that nothing reads an undefined
+//   value; the protected one still leaves m_nMode to the derived class.
+// - The chain of SetLabels is a loop, so a chain as long as the graph costs no stack.
+#pragma once
+
+#include "reorder/arrayarray.h"
+
+class CReorderMat : public CArrayArray<LONG> {
+public:
+    LONG *m_pLabels = NULL;  // label of each vertex
+    LONG *m_pInverse = NULL; // vertex of each label after PostReorder; else working storage
+    LONG *m_pZ;              // work list of the Hager numberings
+    int m_nZ;                // length of that list; turn counter of TabuReorder
+    int m_nMode;             // 1: Alloc creates and zeroes m_pInverse
+
+    explicit CReorderMat(int nMode);
+    ~CReorderMat() override;
+
+    // Virtual table, in slot order behind CArrayArray<LONG>'s Copy.
+
+    // Sets the number of vertices, resets the labels to the identity and empties the graph;
+    // with mode 1 also creates and zeroes m_pInverse.
+    void Alloc(int nRows) override;
+    // Weight of a degree for the Hager scores.
+    virtual float WFun(int x);
+    // Position of nValue among the entries in use of row nRow, or -1.
+    virtual int Find(int nValue, int nRow);
+    virtual int GetRows();
+    // Vertex of label l; meaningful after PostReorder.
+    virtual int f_v_inv(int l);
+    // Makes m_pInverse the inverse of the labels, creating it if needed.
+    virtual void PostReorder();
+    // True unless some row holds a vertex twice.
+    virtual bool Check();
+    // Row i becomes the union of rows i and p without i and p; yields its new degree.
+    virtual int UnionAdj_Ex_p_i(int i, int p);
+    // Writes the pattern as a dense table in label order, for small graphs.
+    virtual void WritePlotASCII(CFile *pFile);
+    // Yields the envelope (sum of B_f); stores the bandwidth in *pBandwidth if given.
+    virtual int Env(int *pBandwidth);
+    virtual int GetClosestToMid(int v);
+    virtual void TabuReorder2();
+    // Yields the bandwidth; v is the first vertex reaching it (0 for bandwidth 0).
+    virtual int GetB(int &v);
+    virtual int NumMovables(int v, int nLimit);
+    virtual void TabuReorder();
+    // Between the two passes: gives every vertex its row, filled with -1, count 0.
+    virtual void Init();
+    // One element's degrees of freedom: nPass 0 counts, 1 inserts, other values nothing.
+    // Negative numbers take no part.
+    virtual void InsertDOFs(LONG *pDOFs, int nPass, int nDOFs);
+    // Label of vertex v.
+    virtual int f_v(int v);
+
+protected:
+    virtual bool IsCandidate(int a, int b);
+    virtual int mid(int &v);
+    // Swaps the labels of a and b.
+    virtual void Move(int a, int b);
+    // Largest label distance from v to a neighbour; 0 without neighbours.
+    virtual int B_f(int v);
+
+public:
+    // Sets every label to nLabel.
+    void InitLabels(int nLabel);
+    // Writes one sparse matrix of the diagnostic script, positions by label.
+    void MatlabWrite(CFile *pFile, CString sName);
+
+    // Minimum-degree numberings; each leaves a permutation in m_pLabels and shows a report.
+    // MinDegReorder writes its script to pFile (NULL: none) and leaves it open.
+    void MinDegReorder(CFile *pFile);
+    void MinDegReorder2();
+    void MinDegReorder3();
+    void MinDegReorder4();
+    // Named in the interface without an algorithm: does nothing.
+    void GenRevCuthillMcKee();
+
+    void InitTabu(LONG nValue);
+    void Hager1();
+    void Hager2();
+    void Hager3();
+
+    // The path of the diagnostic script of the numberings that open it themselves.
+    static void SetScriptName(const char *pszName);
+    static const char *GetScriptName();
+
+protected:
+    // For derived classes: like CReorderMat(int) but leaves m_nMode to be set.
+    CReorderMat();
+
+    // Numbers a chain starting at nVertex with nLabel on (see MinDegReorder4).
+    int SetLabels(int nVertex, int &nLabel, int nGap);
+    int MinZ();
+    float S_k(int v);
+    int d_k(int v);
+    int r_k(int v);
+
+    // Opens the diagnostic script; false when it can't be opened.
+    static bool OpenScript(CFile &file);
+    // Writes the closing lines of the script: the minimum-degree form ends with symmmd.
+    static void WriteScriptTrailer(CFile *pFile, bool bMinDeg);
+};
