@@ -1,6 +1,16 @@
 // CArchive: a buffered binary stream over a CFile, with the platform's object records
 // (class name, schema, back references) so that objects can be stored and re-created.
 // Numbers are little-endian with no padding; a value may straddle the buffer's end.
+//
+// Object records: indices count from 1 (0 is null) and are shared by classes and objects.
+//   null object        WORD 0
+//   object seen before WORD index, or WORD 0x7FFF then DWORD index from 0x7FFF on
+//   new object         its class, then the object takes the next index and Serialize runs
+//   class seen before  WORD 0x8000 | index, or WORD 0x7FFF then DWORD 0x80000000 | index
+//   new class          WORD 0xFFFF, WORD schema, WORD name length, the name's bytes;
+//                      it takes the next index
+// An object whose Serialize throws while loading is deleted before the exception goes on;
+// objects it had read itself are its own business.
 #pragma once
 
 #include "platform/cstring.h"
@@ -16,6 +26,7 @@ class CArchive {
 public:
     enum Mode { store = 0, load = 1 };
 
+    // Uses lpBuf of nBufSize bytes if given, else a buffer of its own (at least 8 bytes).
     CArchive(CFile *pFile, UINT nMode, int nBufSize = 4096, void *lpBuf = NULL);
     // Closes if still open; never throws.
     ~CArchive();
@@ -26,42 +37,49 @@ public:
     BOOL IsStoring() const { return m_nMode == store; }
     CFile *GetFile() const { return m_pFile; }
 
-    // Storing: writes what is buffered. Loading: gives back what was read ahead.
-    // Either way the file stays open and the archive is done.
+    // Storing: writes what is buffered. Loading: gives back what was read ahead, so the
+    // file stands right behind the last byte handed out. Either way the file stays open
+    // and the archive is done.
     void Close();
-    // Storing: writes the buffer to the file.
+    // Storing: writes the buffer to the file. Loading: gives back what was read ahead.
     void Flush();
-    // Loading: makes at least nBytesNeeded bytes available, or throws endOfFile.
+    // Loading: makes nBytesNeeded bytes available beyond those still unread in the
+    // buffer, or throws endOfFile.
     void FillBuffer(UINT nBytesNeeded);
 
+    // Up to nMax raw bytes; fewer only at the end of the file.
     UINT Read(void *lpBuf, UINT nMax);
     void Write(const void *lpBuf, UINT nMax);
-    // The next line without its line end; false only at the end with nothing read.
+    // The next line without its line end (LF or CR LF); false only at the end with nothing read.
     BOOL ReadString(CString &rString);
+    // Writes the text as it is, adding no line end.
     void WriteString(const char *psz);
 
+    // Throws badClass for an object whose class cannot be archived (schema 0xFFFF).
     void WriteObject(const CObject *pOb);
-    // Reads an object record; throws CArchiveException on bad data.
+    // Reads an object record; pClassRefRequested NULL accepts any class. Throws
+    // CArchiveException: badClass (unknown class, or not derived from the one requested),
+    // badSchema, badIndex, endOfFile.
     CObject *ReadObject(const CRuntimeClass *pClassRefRequested);
 
     CArchive &operator<<(BYTE v) { return Put(&v, sizeof v); }
     CArchive &operator<<(WORD v) { return Put(&v, sizeof v); }
     CArchive &operator<<(LONG v) { return Put(&v, sizeof v); }
-    CArchive &operator<<(DWORD v) { return Put(&v, sizeof v); }
+    CArchive &operator<<(DWORD v) { return Put(&v, sizeof v); } // also UINT
     CArchive &operator<<(float v) { return Put(&v, sizeof v); }
     CArchive &operator<<(double v) { return Put(&v, sizeof v); }
-    CArchive &operator<<(UINT v) { return Put(&v, sizeof v); }
     CArchive &operator>>(BYTE &v) { return Get(&v, sizeof v); }
     CArchive &operator>>(WORD &v) { return Get(&v, sizeof v); }
     CArchive &operator>>(LONG &v) { return Get(&v, sizeof v); }
     CArchive &operator>>(DWORD &v) { return Get(&v, sizeof v); }
     CArchive &operator>>(float &v) { return Get(&v, sizeof v); }
     CArchive &operator>>(double &v) { return Get(&v, sizeof v); }
-    CArchive &operator>>(UINT &v) { return Get(&v, sizeof v); }
 
 private:
     // The platform is little-endian, so values are copied as they lie in memory.
     CArchive &Put(const void *p, UINT n) {
+        if (m_nMode != store)
+            throw CArchiveException(CArchiveException::readOnly);
         if (m_pBufCur + n > m_pBufMax)
             Flush();
         memcpy(m_pBufCur, p, n);
@@ -69,29 +87,39 @@ private:
         return *this;
     }
     CArchive &Get(void *p, UINT n) {
+        if (m_nMode != load)
+            throw CArchiveException(CArchiveException::writeOnly);
         if (m_pBufCur + n > m_pBufMax)
             FillBuffer(n - (UINT)(m_pBufMax - m_pBufCur));
         memcpy(p, m_pBufCur, n);
         m_pBufCur += n;
         return *this;
     }
-    // Loads more bytes behind those not yet handed out; returns how many are available.
-    UINT Refill(UINT nBytesNeeded);
+    // Moves the unread bytes to the front and reads behind them until nTotal bytes are
+    // unread or the file ends; returns how many are unread.
+    UINT Refill(UINT nTotal);
     void WriteClass(const CRuntimeClass *pClassRef);
+    // The class of a new object record, after its tag has been read.
+    const CRuntimeClass *ReadClass(WORD wTag, DWORD dwTag);
+    void CheckOpen() const;
 
-    CFile *m_pFile;
+    CFile *m_pFile; // NULL once closed
     UINT m_nMode;
-    bool m_bClosed = false;
     std::vector<BYTE> m_ownBuf;
     BYTE *m_pBufStart;
     BYTE *m_pBufCur;
     BYTE *m_pBufMax;
     UINT m_nBufSize;
 
-    // Object records: indices from 1 shared by classes and objects; 0 is null.
+    // Storing: record (class or object) -> index.
     std::map<const void *, DWORD> m_storeMap;
-    std::vector<const void *> m_loadMap; // index -> record or object
-    std::vector<bool> m_loadIsClass;
+    DWORD m_nMapCount = 1;
+    // Loading: index -> class or object; entry 0 stands for null.
+    struct LoadEntry {
+        const CRuntimeClass *pClass;
+        CObject *pOb;
+    };
+    std::vector<LoadEntry> m_loadMap;
 };
 
 inline CArchive &operator<<(CArchive &ar, const CObject *pOb) {

@@ -9,6 +9,7 @@ public:
     CString() = default;
     CString(const char *psz) : m_str(psz ? psz : "") {}
     CString(const std::string &s) : m_str(s) {}
+    CString(std::string &&s) : m_str(std::move(s)) {}
     CString(char ch, int nRepeat = 1) : m_str(nRepeat > 0 ? nRepeat : 0, ch) {}
 
     CString &operator=(const char *psz) {
@@ -67,7 +68,9 @@ public:
     friend bool operator==(const CString &a, const char *b) { return a.m_str == (b ? b : ""); }
     friend bool operator!=(const CString &a, const CString &b) { return !(a == b); }
     friend bool operator!=(const CString &a, const char *b) { return !(a == b); }
-    friend CString operator+(const CString &a, const CString &b) { return CString(a.m_str + b.m_str); }
+    friend CString operator+(const CString &a, const CString &b) {
+        return CString(a.m_str + b.m_str);
+    }
     friend CString operator+(const CString &a, const char *b) {
         return CString(a.m_str + (b ? b : ""));
     }

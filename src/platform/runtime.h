@@ -4,12 +4,15 @@
 
 #include "platform/types.h"
 
+// What a report handler returns when the user has dismissed the text.
+enum { IDOK = 1 };
+
 typedef int (*AfxReportHandler)(const char *pszText);
 
 // Hands the text to the current report handler and returns its result.
 int AfxMessageBox(const char *pszText, UINT nType = 0, UINT nIDHelp = 0);
 // Installs a report handler (NULL restores the default) and returns the previous one.
-// The default writes the text and a newline to standard error and returns at once.
+// The default writes the text and a newline to standard error and returns IDOK at once.
 AfxReportHandler AfxSetReportHandler(AfxReportHandler pfnHandler);
 
 // Processor time of the process in milliseconds, the tick the library's constants assume.
