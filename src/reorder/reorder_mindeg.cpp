@@ -1,0 +1,315 @@
+// CReorderMat: the four minimum-degree numberings.
+//
+// During a run of the first three an unnumbered vertex holds minus its degree in m_pLabels
+// (0 or negative) and a numbered one its label plus 1 (positive). MinDegReorder4 holds
+// -1 - old label for an unnumbered vertex and the label itself for a numbered one.
+#include "reorder/reordermat.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+// The report of a minimum-degree numbering timed from nStart to nEnd.
+static void BuildReport(char (&szText)[128], LONG nStart, LONG nEnd) {
+    double dSeconds = (double)(nEnd - nStart) * 0.001;
+    snprintf(szText, sizeof(szText), "Used time reordering:   %s\r\n",
+             (const char *)CVirtMat::FormatTime(dSeconds));
+}
+
+void CReorderMat::MinDegReorder(CFile *pFile) {
+    int n = m_nRows;
+    if (pFile != NULL)
+        MatlabWrite(pFile, "before");
+    LONG nStart = AfxClock();
+
+    // Static degrees: only the overwrite at vertex k changes what a vertex carries.
+    for (int v = 0; v < n; v++)
+        m_pLabels[v] = -m_pRowSizes[v];
+    for (int k = 0; k < n - 1; k++) {
+        int nBest = n + 2;
+        int b = -1;
+        for (int i = 0; i < n; i++) {
+            if (f_v(i) > 0)
+                continue;
+            // Score: largest degree of an unnumbered neighbour, less k, at least 0.
+            int nScore = 0;
+            const LONG *pRow = m_ppRows[i];
+            for (int j = 0; j < m_pRowSizes[i]; j++) {
+                int fu = f_v(pRow[j]);
+                if (fu <= 0 && -fu - k > nScore)
+                    nScore = -fu - k;
+            }
+            if (nScore < nBest) {
+                nBest = nScore;
+                b = i;
+            }
+        }
+        if (m_pLabels[k] <= 0)
+            m_pLabels[k] = m_pLabels[b];
+        m_pLabels[b] = k + 1;
+    }
+    // The one vertex left takes the last label; then labels from 0.
+    for (int v = 0; v < n; v++) {
+        if (m_pLabels[v] <= 0)
+            m_pLabels[v] = n;
+        m_pLabels[v]--;
+    }
+
+    LONG nEnd = AfxClock();
+    char szText[128];
+    BuildReport(szText, nStart, nEnd);
+    if (pFile != NULL) {
+        MatlabWrite(pFile, "after");
+        WriteScriptTrailer(pFile, true);
+    }
+    AfxMessageBox(szText, 0, 0);
+}
+
+void CReorderMat::MinDegReorder2() {
+    CFile file;
+    if (!OpenScript(file))
+        return;
+    MatlabWrite(&file, "before");
+    LONG nStart = AfxClock();
+
+    int n = m_nRows;
+    int nBound = 0;   // never above the current smallest degree
+    int nCeiling = 0; // above every degree
+    for (int v = 0; v < n; v++) {
+        int d = m_pRowSizes[v];
+        m_pLabels[v] = -d;
+        if (v == 0 || d < nBound)
+            nBound = d;
+        if (d + 1 > nCeiling)
+            nCeiling = d + 1;
+    }
+    for (int k = 0; k < n; k++) {
+        // First unnumbered vertex of least current degree; the bound cuts the scan short.
+        int nLowest = nCeiling;
+        int b = -1;
+        for (int v = 0; v < n; v++) {
+            if (m_pLabels[v] > 0)
+                continue;
+            if (-m_pLabels[v] < nLowest) {
+                nLowest = -m_pLabels[v];
+                b = v;
+                if (nLowest == nBound)
+                    break;
+            }
+        }
+        const LONG *pRow = m_ppRows[b];
+        for (int j = 0; j < m_pRowSizes[b]; j++) {
+            if (m_pLabels[pRow[j]] < 0)
+                m_pLabels[pRow[j]]++;
+        }
+        nBound = nLowest - 1 > 0 ? nLowest - 1 : 0;
+        m_pLabels[b] = k + 1;
+    }
+    for (int v = 0; v < n; v++)
+        m_pLabels[v]--;
+
+    LONG nEnd = AfxClock();
+    MatlabWrite(&file, "after");
+    WriteScriptTrailer(&file, true);
+    file.Close();
+    char szText[128];
+    BuildReport(szText, nStart, nEnd);
+    AfxMessageBox(szText, 0, 0);
+}
+
+void CReorderMat::MinDegReorder3() {
+    CFile file;
+    if (!OpenScript(file))
+        return;
+    MatlabWrite(&file, "before");
+    LONG nStart = AfxClock();
+
+    int n = m_nRows;
+    for (int v = 0; v < n; v++)
+        m_pLabels[v] = -m_pRowSizes[v];
+    for (int k = 0; k < n; k++) {
+        // The vertex whose unnumbered neighbours' numbers lie least far from k.
+        int nBest = n + 2;
+        int b = -1;
+        for (int i = 0; i < n; i++) {
+            if (m_pLabels[i] > 0)
+                continue;
+            int nHi = 0;
+            int nLo = n;
+            const LONG *pRow = m_ppRows[i];
+            for (int j = 0; j < m_pRowSizes[i]; j++) {
+                int u = pRow[j];
+                if (m_pLabels[u] < 0) {
+                    if (u > nHi)
+                        nHi = u;
+                    if (u < nLo)
+                        nLo = u;
+                }
+            }
+            int nScore = std::max(std::abs(nHi - k), std::abs(k - nLo));
+            if (nScore < nBest) {
+                nBest = nScore;
+                b = i;
+            }
+        }
+        const LONG *pRow = m_ppRows[b];
+        for (int j = 0; j < m_pRowSizes[b]; j++) {
+            if (m_pLabels[pRow[j]] < 0)
+                m_pLabels[pRow[j]]++;
+        }
+        m_pLabels[b] = k + 1;
+    }
+    for (int v = 0; v < n; v++)
+        m_pLabels[v]--;
+
+    LONG nEnd = AfxClock();
+    MatlabWrite(&file, "after");
+    WriteScriptTrailer(&file, true);
+    file.Close();
+    char szText[128];
+    BuildReport(szText, nStart, nEnd);
+    AfxMessageBox(szText, 0, 0);
+}
+
+void CReorderMat::MinDegReorder4() {
+    int n = m_nRows;
+    // The eliminations destroy the rows: keep an exact copy to restore them from.
+    CArrayArray<LONG> saved;
+    saved.Alloc(n);
+    for (int i = 0; i < n; i++) {
+        int nSize = m_pRowSizes[i];
+        saved.SetRowSize(i, nSize);
+        for (int j = 0; j < nSize; j++)
+            saved.m_ppRows[i][j] = m_ppRows[i][j];
+    }
+
+    CFile file;
+    if (!OpenScript(file))
+        return;
+    MatlabWrite(&file, "before");
+    LONG nStart = AfxClock();
+
+    for (int v = 0; v < n; v++)
+        m_pLabels[v] = -1 - m_pLabels[v];
+    int k = 0;
+    while (k < n) {
+        // Least current degree, and the gap to the next smallest (n counting as a value).
+        int nMin = n;
+        int nGap = 0;
+        int nChoice = -1;
+        for (int v = 0; v < n; v++) {
+            if (m_pLabels[v] >= 0)
+                continue;
+            int d = m_pRowSizes[v];
+            if (d < nMin) {
+                nGap = nMin - d;
+                nMin = d;
+                nChoice = v;
+            } else if (nGap >= d - nMin) {
+                nGap = d - nMin;
+            }
+        }
+        if (nChoice < 0)
+            break; // only a vertex listed as its own neighbour can get here
+        SetLabels(nChoice, k, nGap);
+        k++;
+    }
+    Copy(saved);
+
+    LONG nEnd = AfxClock();
+    MatlabWrite(&file, "after");
+    WriteScriptTrailer(&file, true);
+    file.Close();
+    char szText[128];
+    BuildReport(szText, nStart, nEnd);
+    AfxMessageBox(szText, 0, 0);
+}
+
+int CReorderMat::SetLabels(int nVertex, int &nLabel, int nGap) {
+    // A loop in place of the chain's recursion: its length can reach the vertex count.
+    for (;;) {
+        m_pLabels[nVertex] = nLabel;
+        int t = m_pRowSizes[nVertex] + nGap + 1;
+        int nNext = -1;
+        // Eliminate: the unnumbered neighbours become each other's neighbours.
+        const LONG *pRow = m_ppRows[nVertex];
+        for (int j = 0; j < m_pRowSizes[nVertex]; j++) {
+            int u = pRow[j];
+            if (f_v(u) >= 0)
+                continue;
+            int d = UnionAdj_Ex_p_i(u, nVertex);
+            if (d < t) {
+                t = d;
+                nNext = u;
+            }
+        }
+        if (nNext < 0)
+            return t;
+        nLabel++;
+        nVertex = nNext;
+    }
+}
+
+// True when nValue stands among the nCount entries of pRow; pSorted, when given, holds the
+// same entries ascending and is searched by bisection.
+static bool InRow(const LONG *pRow, const LONG *pSorted, int nCount, LONG nValue) {
+    if (pSorted != NULL)
+        return std::binary_search(pSorted, pSorted + nCount, nValue);
+    for (int j = 0; j < nCount; j++) {
+        if (pRow[j] == nValue)
+            return true;
+    }
+    return false;
+}
+
+int CReorderMat::UnionAdj_Ex_p_i(int i, int p) {
+    LONG *pOld = m_ppRows[i];
+    int nOld = m_pRowSizes[i];
+    const LONG *pP = m_ppRows[p];
+    int nP = m_pRowSizes[p];
+
+    // Long rows are searched in a sorted copy, so that a union stays near linear.
+    LONG *pSorted = NULL;
+    if (nOld > 16 && nP > 16) {
+        pSorted = new LONG[nOld];
+        std::copy(pOld, pOld + nOld, pSorted);
+        std::sort(pSorted, pSorted + nOld);
+    }
+
+    // Count: the old row less p, plus the new entries of row p.
+    int c = 0;
+    for (int j = 0; j < nOld; j++) {
+        if (pOld[j] != p)
+            c++;
+    }
+    for (int j = 0; j < nP; j++) {
+        LONG x = pP[j];
+        if (x != i && !InRow(pOld, pSorted, nOld, x))
+            c++;
+    }
+    if (c == 0) {
+        delete[] pSorted;
+        delete[] pOld;
+        m_ppRows[i] = NULL;
+        m_pRowSizes[i] = 0;
+        return 0;
+    }
+
+    // Fill: the old row in its order without p, then row p's new entries in theirs.
+    LONG *pNew = new LONG[c];
+    int m = 0;
+    for (int j = 0; j < nOld; j++) {
+        if (pOld[j] != p)
+            pNew[m++] = pOld[j];
+    }
+    for (int j = 0; j < nP; j++) {
+        LONG x = pP[j];
+        if (x != i && !InRow(pOld, pSorted, nOld, x))
+            pNew[m++] = x;
+    }
+    delete[] pSorted;
+    m_pRowSizes[i] = c;
+    delete[] pOld;
+    m_ppRows[i] = pNew;
+    return c;
+}
