@@ -1,0 +1,208 @@
+// CMatrix: the dense matrix of doubles. A CVector with a row count: the vector's array is
+// the matrix in row-major order, and the column count is never stored but derived as
+// m_nSize / m_nRows (0 for 0 rows), so m_nSize must stay a multiple of m_nRows.
+//
+// On the road from mesh to solution a CMatrix carries the right-hand sides (one column
+// each) into every solver and receives the solutions in their place. Beside that road it
+// is a small dense algebra of its own: LU with and without pivoting, Cholesky,
+// determinants, products, norms, scans, generators and rotations, all in place.
+//
+// Element access inside the algorithms goes through the virtual accessors (GetValue,
+// SetValue, AddValue, GetValueByRef, Multiply), so a derived class sees those calls; the
+// hot loops that are not tied to them walk row pointers instead.
+//
+// Operations of CVector that are not replaced here work on the whole buffer as one flat
+// vector and know nothing of rows: a matrix must be combined with one of its own size,
+// and Trunc must be followed by Resize. LinComb and CrossProd size their target through
+// the vector slot of Allocate, so their result is a column.
+//
+// Choices where the description leaves room:
+// - GetValue and its kin, and Resize(0, ...), on a matrix of 0 rows divide by zero: the
+//   caller must not ask.
+// - operator()(i, j) is a convenience spelling of GetValueByRef(i, j), through the table.
+// - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
+// - Eig and AAT are entry points without a body.
+#pragma once
+
+#include "dense/vector.h"
+
+class CSparseMatrix;
+
+class CMatrix : public CVector {
+    DECLARE_SERIAL(CMatrix)
+public:
+    CMatrix();
+    // nRows times nCols elements; a column count of 0 makes an empty matrix of 0 rows.
+    CMatrix(int nRows, int nCols, bool bInit = false, double dValue = 0.0);
+    // A copy, or with bTranspose the transposed copy.
+    CMatrix(CMatrix &other, bool bTranspose = false);
+    CMatrix(const CMatrix &other);
+    ~CMatrix() override;
+
+    // --- overrides of the frame and of CVector ---
+    void Serialize(CArchive &ar) override;
+    // pSizes: rows, columns, initialise flag, fill value; nDims below 2 makes it square.
+    // On a false result the row count stays as it was.
+    bool Allocate(int *pSizes, int nDims) override;
+    void ReadASCII(CFile *pFile) override;
+    void WriteASCII(CFile *pFile, CString strPrefix, CString strSuffix, int nWidth, int nPrecision,
+                    int nFormat, bool bRowNumbers, bool bHeader) override;
+    // Assembles a square element matrix (row-major, nCount by nCount) at the rows and
+    // columns the index list names; a negative index leaves out its row and column.
+    void AddValues(LONG *pIndices, double *pValues, int nCount) override;
+    CVirtRealMat &operator=(double dValue) override;
+    // The vector slot: the matrix becomes a column of nCount rows.
+    bool Allocate(int nCount, bool bInit, double dValue) override;
+    // The greatest row sum of magnitudes.
+    double InfNorm() override;
+    // The matrix becomes a column of nSize rows; the old array is returned unfreed.
+    double *ReplaceVector(double *pValues, int nSize) override;
+    // Exchanges buffers; a matrix partner exchanges shapes too, a vector's array makes
+    // this matrix a column.
+    void SwitchVectors(CVector *pOther) override;
+
+    // --- the matrix's own virtual operations, in table order ---
+    // Copies column j into the first m_nRows elements of out, growing it if too short.
+    virtual void GetColVect(CVector &out, int j);
+    virtual CMatrix &MakeRotMat(CVector &v);
+    // The block between a begin and an end tag, with comments and nested blocks.
+    virtual void ReadASCII(CFile *pFile, CString strBegin, CString strEnd, CString strComment);
+    // v becomes X or X-transposed times v.
+    virtual void ApplyTo(CVector &v, int nMode);
+    // out gains X or X-transposed times in.
+    virtual void ApplyTo(CVector &in, CVector &out, int nMode);
+    // The contents survive exactly when the element count stays; a 0 by n request
+    // returns false and leaves an empty matrix of 0 rows.
+    virtual bool Allocate(int nRows, int nCols, bool bInit, double dValue);
+    // Reference to the topmost smallest element of column j.
+    virtual double &MinInCol(int j);
+    // Greatest and smallest length over the rows (bCols) or columns of two elements.
+    virtual void GetMaxMinLength(double &dMax, double &dMin, int n1, int n2, bool bCols);
+    virtual void GetMaxMinLength(double &dMax, double &dMin, int n1, int n2, int n3, bool bCols);
+    virtual void SubMult(CMatrix &R, int nFirst, unsigned int nFlags);
+    // 2-norms (nMode above 0) or sums of squares of the columns (|nMode| 1) or rows.
+    virtual void Vect2Norm(CVector &out, int nMode);
+    // In place A = R^T R, R upper; reads only the upper triangle. 0 on a zero pivot.
+    virtual int Cholesky();
+    virtual void MultiplyCol(int j, double dFactor);
+    virtual void MultiplyRow(int i, double dFactor);
+    virtual void COUT(const char *pszSeparator);
+    virtual double Trace();
+    // The greatest column sum of magnitudes.
+    virtual double OneNorm();
+    virtual double Frobenius();
+    // An n by n matrix of zeros with dDiagonal on the diagonal.
+    virtual void Identity(int n, double dDiagonal);
+    virtual void PreMult(CSparseMatrix *A, int nMode);
+    virtual void PreMult(CSparseMatrix *A, CMatrix &out, bool bAdd, int nMode);
+    virtual void ATthisA(CSparseMatrix *A);
+    // Reshapes without touching the elements: n rows, or n columns with bIsColumns.
+    // False and no change when m_nSize is no multiple of n.
+    virtual bool Resize(int n, bool bIsColumns);
+    // Factorises (with or without row pivoting) and solves for every column of pB;
+    // dSeconds gets the factorisation's time. False on a zero pivot.
+    virtual bool SolveAxEqb(CMatrix *pB, bool bPivot, double &dSeconds);
+    // Multiplies element (i, j) by dFactor and returns the new value.
+    virtual double Multiply(int i, int j, double dFactor);
+    // LU with partial pivoting in place; pPerm (new[], the caller's) maps factor rows to
+    // original rows. 1, or -1 with pPerm NULL on a zero pivot. The last pivot is never
+    // examined.
+    virtual int LUP_Decomp(int *&pPerm);
+    // LU without pivoting in place; this, or NULL on a zero pivot.
+    virtual CMatrix *LU();
+    // a(i, j) a(i+1, j+1) - a(i+1, j) a(i, j+1) when nOrder is 2, else 0.0.
+    virtual double SubDetSqMat(int i, int j, int nOrder);
+    // The product of the diagonal of an unpivoted LU of a copy; 0.0 when LU fails.
+    virtual double Det();
+    virtual void Transpose();
+    virtual int GetColumns();
+    virtual double &GetValueByRef(int i, int j);
+    virtual double GetValue(int i, int j);
+    virtual void SetValue(int i, int j, double dValue);
+    virtual void AddValue(int i, int j, double dValue);
+
+    // Keep the vector's forms reachable beside the matrix's.
+    using CVector::GetValue;
+    using CVector::SetValue;
+    using CVector::SetVector;
+    using CVector::operator+=;
+    using CVector::operator-=;
+
+    // --- access; no index is tested ---
+    int GetRows() const { return m_nRows; }
+    // Pointer to the first element of row i, so that M[i][j] addresses an element.
+    double *operator[](int i) { return m_pVector + i * (m_nSize / m_nRows); }
+    double &operator()(int i, int j) { return GetValueByRef(i, j); }
+    bool IsAllocated() const { return m_pVector != NULL; }
+
+    // --- storage ---
+    CMatrix &operator=(CMatrix &other);
+    CMatrix &operator=(const CMatrix &other);
+    // Adopts the array (new[]), which is the object's from now on.
+    void SetVector(double *pValues, int nRows, int nCols);
+
+    // --- element operations ---
+    // Row i from column nFirst up to but not including nEnd.
+    void MultiplySubRow(int i, int nFirst, int nEnd, double dFactor);
+    // New symmetric and skew parts (the caller's); only their upper triangles and
+    // diagonals are written.
+    void Split(CMatrix *&pSym, CMatrix *&pSkew);
+    // Exact symmetry; false when not square, true for 0 rows.
+    bool CheckSymm();
+    CMatrix &operator*=(double dValue);
+    CMatrix &operator/=(double dValue);
+    CMatrix &operator+=(CMatrix &other);
+    CMatrix &operator-=(CMatrix &other);
+    void AAT() {}
+
+    // --- factorisation and solving ---
+    // Solves in place for all columns of pB with the factors of LUP_Decomp (pPerm) or of
+    // LU (pPerm NULL).
+    static void LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB);
+    void Eig(bool, CMatrix &, CVector &) {}
+
+    // --- products ---
+    CMatrix &operator*=(CMatrix &B);
+    void PostMult(CMatrix &B);
+    void PostPreMult(CMatrix &Q, int);
+    static void vectAvectBT(CMatrix &M, CVector &a, CVector &b, double &dFactor, bool bReverse);
+    void Sparse(CSparseMatrix *&pS);
+    void UnSparse(CSparseMatrix *pS);
+
+    // --- chain multiplication ---
+    static double ChainMult(bool bOptimal, int nCount, CMatrix *pFirst, ...);
+    static double MatrixChainOrder(CMatrix *pSplit, CVector *pDims);
+    static void ChainMultRec(CMatrix **ppChain, CMatrix *pSplit, int i, int j);
+
+    // --- norms and extremes ---
+    // Topmost greatest element of column j.
+    double &MaxInCol(int j);
+    // Element of greatest magnitude in column j, the lowest of equal magnitudes.
+    double &fabsMaxInCol(int j);
+    double MaxInRow(int i);
+    // First column of row i (row of column j) exactly equal to dValue, or -1.
+    int FindInRow(int i, double dValue);
+    int FindInCol(int j, double dValue);
+    void GetMaxMin1(double (*pFunc)(double), double &dMax, double &dMin, int n1, bool bCols);
+    void GetMaxMin2(double (*pFunc)(double *), double &dMax, double &dMin, int n1, int n2,
+                    bool bCols);
+    void GetMaxMin3(double (*pFunc)(double *), double &dMax, double &dMin, int n1, int n2, int n3,
+                    bool bCols);
+
+    // --- test matrix generators ---
+    void RandMat(int nRows, int nCols, double dMax, double dMin, int nForm);
+    void LMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
+    void UMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
+    void SetVals(int n, double dValue, bool bAdd, bool bRow);
+    void WellCond(int nRows, int nCols, double dSpread);
+    void Dev();
+
+    // --- rotations ---
+    void RotMat(double dAngle1, double dAngle2);
+    static void RotMat2D(CMatrix &R, double dAngle, bool bTransposed);
+
+    // --- console output ---
+    void Stream();
+
+    int m_nRows;
+};
