@@ -1,0 +1,166 @@
+// CSystSpMat: the factorisations through the row table, and the Gauss-Seidel iteration.
+#include "system/systspmat.h"
+
+#include "dense/vector.h"
+
+#include <cmath>
+#include <cstdio>
+
+// Root-free A = U^T D U in place: the first cell of each row ends as the pivot, the others
+// as the unit upper factor; fill-in is merged into the target rows by row::AddRow.
+int CSystSpMat::Cholesky() {
+    for (int i = 0; i < m_nTableRows; i++) {
+        cell *c = m_pRowTable[i].m_pFirstCell;
+        if (c == NULL)
+            return -1;
+        double d = c->m_dValue;
+        if (d <= 0.0)
+            return -1;
+        for (cell *a = c->m_pNext; a != NULL; a = a->m_pNext) {
+            double f = -a->m_dValue;
+            if (f == 0.0)
+                continue;
+            // The chain from a is still unscaled here; a is scaled only afterwards.
+            m_pRowTable[a->m_nCol].AddRow(a, f / d);
+            a->m_dValue /= d;
+        }
+    }
+    return 1;
+}
+
+// A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
+// diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
+int CSystSpMat::LU() {
+    // Entry t stands on the first cell of row t that elimination has not passed yet.
+    cell **pEntry = new cell *[m_nTableRows > 0 ? m_nTableRows : 1];
+    for (int t = 0; t < m_nTableRows; t++)
+        pEntry[t] = m_pRowTable[t].m_pFirstCell;
+
+    int nResult = 1;
+    int k = 0;
+    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, k++) {
+        cell *p = pEntry[k];
+        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0) {
+            nResult = -1;
+            break;
+        }
+        // A diagonal with nothing behind it eliminates nothing: later rows with a cell in
+        // this column then fail at their own turn.
+        if (p->m_pNext == NULL)
+            continue;
+        for (row *t = r->m_pNext; t != NULL; t = t->m_pNext) {
+            cell *e = pEntry[t->m_nRow];
+            if (e == NULL || e->m_nCol != k)
+                continue;
+            if (e->m_dValue == 0.0) {
+                pEntry[t->m_nRow] = e->m_pNext;
+                continue;
+            }
+            double l = e->m_dValue / p->m_dValue;
+            e->m_dValue = l;
+            cell *pCursor = e;
+            for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                t->Add(b->m_nCol, -(b->m_dValue * l), pCursor);
+            pEntry[t->m_nRow] = e->m_pNext;
+        }
+    }
+    delete[] pEntry;
+    return nResult;
+}
+
+// One symmetric sweep: (D + L) x_new = F - U x_old with L = U^T, on upper storage.
+static void SymSweep(CSparseMatrix::row *pRows, int n, const double *pF, const double *pOld,
+                     double *pX) {
+    // Right-hand side less the upper part applied to the old iterate.
+    for (int i = 0; i < n; i++) {
+        double s = pF[i];
+        for (CSparseMatrix::cell *c = pRows[i].m_pFirstCell->m_pNext; c != NULL; c = c->m_pNext)
+            s -= pOld[c->m_nCol] * c->m_dValue;
+        pX[i] = s;
+    }
+    // Forward solve with the transpose: each new value is pushed into the later rows.
+    for (int i = 0; i + 1 < n; i++) {
+        CSparseMatrix::cell *pDiag = pRows[i].m_pFirstCell;
+        double x = pX[i] / pDiag->m_dValue;
+        pX[i] = x;
+        for (CSparseMatrix::cell *c = pDiag->m_pNext; c != NULL; c = c->m_pNext)
+            pX[c->m_nCol] -= x * c->m_dValue;
+    }
+    if (n > 0)
+        pX[n - 1] /= pRows[n - 1].m_pFirstCell->m_dValue;
+}
+
+// One in-place sweep on full storage; yields the largest change of a component.
+static double FullSweep(CSparseMatrix::row *pRows, int n, const double *pF, double *pX) {
+    double dNorm = 0.0;
+    for (int i = 0; i < n; i++) {
+        double dOld = pX[i];
+        double s = pF[i];
+        // Left of the diagonal the components are already this sweep's.
+        CSparseMatrix::cell *c = pRows[i].m_pFirstCell;
+        while (c->m_nCol < i) {
+            s -= pX[c->m_nCol] * c->m_dValue;
+            c = c->m_pNext;
+        }
+        double d = c->m_dValue;
+        for (c = c->m_pNext; c != NULL; c = c->m_pNext)
+            s -= pX[c->m_nCol] * c->m_dValue;
+        pX[i] = s / d;
+        double dChange = std::fabs(pX[i] - dOld);
+        if (dChange >= dNorm)
+            dNorm = dChange;
+    }
+    return dNorm;
+}
+
+// Gauss-Seidel from the start vector vX until a sweep changes no component by dTol or
+// more; vX receives the last iterate. 1 if converged, else -1; the report is always shown.
+int CSystSpMat::GaussSeidel_Iter(CVector &vF, CVector &vX, double dTol, int nMaxIter) {
+    const int n = vF.GetSize();
+    double dNorm = 0.0;
+    int nResult = -1;
+    int nIter = nMaxIter;
+    LONG nStart = AfxClock();
+
+    if (CVirtMat::m_bSym) {
+        // old keeps the previous iterate; the two swap storage after each sweep.
+        CVector old(n);
+        for (int i = 0; i < n; i++)
+            old[i] = vX[i];
+        int it = 0;
+        for (; it < nMaxIter; it++) {
+            SymSweep(m_pRowTable, n, vF.GetVector(), old.GetVector(), vX.GetVector());
+            old -= vX;
+            dNorm = old.InfNorm();
+            if (dNorm < dTol) {
+                nResult = 1;
+                nIter = it + 1;
+                break;
+            }
+            old.SwitchVectors(&vX);
+        }
+        // Without success the last iterate stands in old: bring it back.
+        if (nResult != 1 && nMaxIter > 0)
+            old.SwitchVectors(&vX);
+    } else {
+        for (int it = 0; it < nMaxIter; it++) {
+            dNorm = FullSweep(m_pRowTable, n, vF.GetVector(), vX.GetVector());
+            if (dNorm < dTol) {
+                nResult = 1;
+                nIter = it + 1;
+                break;
+            }
+        }
+    }
+
+    // Report.
+    double dSeconds = (double)(LONG)((ULONG)AfxClock() - (ULONG)nStart) * 0.001;
+    char szText[512];
+    snprintf(szText, sizeof szText,
+             "Used time solving :   %s\r\n Number of iter. :   %u\r\n NEQ             :   %u\r\n "
+             "Norm of error   :   %e\r\n Symmetric       :   %u\r\n%u\r\n%u",
+             (const char *)CVirtMat::FormatTime(dSeconds), (unsigned)nIter, (unsigned)n, dNorm,
+             (unsigned)(CVirtMat::m_bSym ? 1 : 0), 24u, 16u);
+    AfxMessageBox(szText, 0, 0);
+    return nResult;
+}

@@ -1,0 +1,195 @@
+// CSystSpMat: the row table, sizing from a count or from the reordered graph, and assembly.
+#include "system/systspmat.h"
+
+#include "reorder/reordermat.h"
+
+IMPLEMENT_SERIAL(CSystSpMat, CSparseMatrix, 1)
+
+CSystSpMat::CSystSpMat() : m_pRowTable(NULL), m_nTableRows(0) {}
+
+CSystSpMat::CSystSpMat(int nRows) : m_pRowTable(NULL), m_nTableRows(0) {
+    if (nRows >= 1)
+        MakeTable(nRows);
+}
+
+CSystSpMat::~CSystSpMat() {
+    // The base destructor then finds an empty list and deletes nothing singly.
+    FreeTable();
+}
+
+void CSystSpMat::FreeTable() {
+    m_pFirstRow = NULL;
+    delete[] m_pRowTable;
+    m_pRowTable = NULL;
+    m_nTableRows = 0;
+}
+
+void CSystSpMat::MakeTable(int nRows) {
+    m_pRowTable = new row[nRows];
+    m_nTableRows = nRows;
+    for (int i = 0; i < nRows; i++) {
+        m_pRowTable[i].m_pFirstCell = NULL;
+        m_pRowTable[i].m_nRow = i;
+    }
+    FixPointers();
+}
+
+void CSystSpMat::FixPointers() {
+    m_pFirstRow = m_nTableRows > 0 ? m_pRowTable : NULL;
+    for (int i = 0; i + 1 < m_nTableRows; i++)
+        m_pRowTable[i].m_pNext = &m_pRowTable[i + 1];
+    if (m_nTableRows > 0)
+        m_pRowTable[m_nTableRows - 1].m_pNext = NULL;
+}
+
+int CSystSpMat::GetColumns() {
+    return m_nTableRows;
+}
+
+int CSystSpMat::GetRows() {
+    return m_nTableRows;
+}
+
+void CSystSpMat::Clear() {
+    FreeTable();
+}
+
+bool CSystSpMat::Allocate(int *pSizes, int /*nDims*/) {
+    int nRows = pSizes[0];
+    if (nRows < 1) {
+        FreeTable();
+    } else if (nRows != m_nTableRows) {
+        FreeTable();
+        MakeTable(nRows);
+    }
+    // The same size keeps every cell, fill-in included, for the next assembly.
+    operator=(0.0);
+    return true;
+}
+
+bool CSystSpMat::Allocate(CReorderMat &graph) {
+    int n = graph.GetRows();
+    if (n == 0) {
+        Allocate(&n, 1);
+        return true;
+    }
+    if (n == m_nTableRows) {
+        // The pattern stays; the graph is not read.
+        operator=(0.0);
+        return true;
+    }
+    FreeTable();
+    MakeTable(n);
+    for (int r = 0; r < n; r++) {
+        // The neighbours of the vertex with label r, turned into sorted labels in place.
+        int v = graph.f_v_inv(r);
+        LONG *pAdj = graph.m_ppRows[v];
+        int nCount = graph.m_pRowSizes[v];
+        for (int k = 0; k < nCount; k++)
+            pAdj[k] = graph.f_v(pAdj[k]);
+        QuickSortLongs(pAdj, nCount);
+
+        // Lower labels belong to the lower triangle.
+        int s = 0;
+        while (s < nCount && pAdj[s] <= r)
+            s++;
+
+        // Diagonal first, then the higher labels.
+        row &R = m_pRowTable[r];
+        R.Allocate(nCount - s + 1, 0.0, 0);
+        cell *c = R.m_pFirstCell;
+        c->m_nCol = r;
+        for (int k = s; k < nCount; k++) {
+            c = c->m_pNext;
+            c->m_nCol = pAdj[k];
+        }
+    }
+    return true;
+}
+
+void CSystSpMat::Add(int nRow, int nCol, double dValue) {
+    if (dValue == 0.0)
+        return;
+    m_pRowTable[nRow].Add(nCol, dValue);
+}
+
+void CSystSpMat::Add(int nRow, int nCol, double dValue, cell *&pCell) {
+    if (dValue == 0.0)
+        return;
+    m_pRowTable[nRow].Add(nCol, dValue, pCell);
+}
+
+void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow) {
+    if (dValue == 0.0)
+        return;
+    pRow = &m_pRowTable[nRow];
+    pRow->Add(nCol, dValue);
+}
+
+void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell) {
+    if (dValue == 0.0)
+        return;
+    pRow = &m_pRowTable[nRow];
+    pRow->Add(nCol, dValue, pCell);
+}
+
+// Lists the local indices of the non-negative entries by ascending number into pOrder and
+// yields their count. A repeated number makes the remaining places repeat the index found
+// last, as the selection naturally does.
+static int SortLocalIndices(const LONG *pDOFs, int n, int *pOrder) {
+    int m = 0;
+    for (int k = 0; k < n; k++)
+        if (pDOFs[k] >= 0)
+            m++;
+    LONG nPrev = -1;
+    int nBest = 0;
+    for (int p = 0; p < m; p++) {
+        bool bFound = false;
+        for (int k = 0; k < n; k++) {
+            if (pDOFs[k] <= nPrev)
+                continue;
+            if (!bFound || pDOFs[k] < pDOFs[nBest]) {
+                nBest = k;
+                bFound = true;
+                // Nothing can beat the next number.
+                if (pDOFs[k] == nPrev + 1)
+                    break;
+            }
+        }
+        pOrder[p] = nBest;
+        nPrev = pDOFs[nBest];
+    }
+    return m;
+}
+
+void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
+    if (n < 1)
+        return;
+    int *pOrder = new int[n];
+    int m = SortLocalIndices(pDOFs, n, pOrder);
+
+    // Each row of the element is one pass along its table row with a cell cursor.
+    const bool bSym = CVirtMat::m_bSym;
+    for (int a = 0; a < m; a++) {
+        int i = pOrder[a];
+        row &R = m_pRowTable[pDOFs[i]];
+        cell *pCursor = NULL;
+        const double *pElemRow = pValues + (size_t)i * n;
+        for (int b = 0; b < m; b++) {
+            int j = pOrder[b];
+            if (bSym && pDOFs[j] < R.m_nRow)
+                continue;
+            double dValue = pElemRow[j];
+            if (dValue == 0.0)
+                continue;
+            R.Add(pDOFs[j], dValue, pCursor);
+        }
+    }
+    delete[] pOrder;
+}
+
+CSystSpMat &CSystSpMat::operator=(CSystSpMat &other) {
+    // The base sums through the virtual Add, which here goes to this object's table.
+    CSparseMatrix::operator=(other);
+    return *this;
+}
