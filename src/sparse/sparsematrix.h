@@ -170,4 +170,6 @@ public:
 
 private:
     void TrimLeftOfDiagonal();
+    row *FindOrMakeRow(int nRow, row *pStart);
+    void UnifyRow(int nRow, double dValue, CVirtMat *pB);
 };

@@ -1,0 +1,46 @@
+// Small helpers shared by the CSparseMatrix sources: node creation and the timing rule
+// of the sparse solvers. Not part of the public interface.
+#pragma once
+
+#include "platform/runtime.h"
+#include "sparse/sparsematrix.h"
+
+namespace sparse_detail {
+
+inline CSparseMatrix::cell *NewCell(CSparseMatrix::cell *pNext, double dValue, int nCol) {
+    CSparseMatrix::cell *p = new CSparseMatrix::cell;
+    p->m_pNext = pNext;
+    p->m_dValue = dValue;
+    p->m_nCol = nCol;
+    return p;
+}
+
+// A row without cells, linked in front of pNext.
+inline CSparseMatrix::row *NewRow(int nRow, CSparseMatrix::row *pNext) {
+    CSparseMatrix::row *p = new CSparseMatrix::row;
+    p->m_pFirstCell = NULL;
+    p->m_pNext = pNext;
+    p->m_nRow = nRow;
+    return p;
+}
+
+// Elapsed ticks since nStart; a difference of two signed 32-bit clock readings.
+inline double TicksSince(LONG nStart) {
+    return (double)(LONG)((ULONG)AfxClock() - (ULONG)nStart);
+}
+
+// The timing rule: the variable holds 1000.0 while the operation runs, then seconds.
+// A NULL pointer switches the measuring off.
+inline LONG StartTiming(double *pTime) {
+    if (pTime == NULL)
+        return 0;
+    *pTime = 1000.0;
+    return AfxClock();
+}
+
+inline void StopTiming(double *pTime, LONG nStart) {
+    if (pTime != NULL)
+        *pTime = TicksSince(nStart) / *pTime;
+}
+
+} // namespace sparse_detail
