@@ -1,0 +1,32 @@
+// Helpers shared by the platform tests: temporary file names and byte comparison.
+#pragma once
+
+#include "platform/file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+// A file name in the test temporary directory, removed again when the test ends.
+class TempPath {
+public:
+    TempPath() {
+        static int s_nCount;
+        m_path = ::testing::TempDir() + "femmat_platform_" + std::to_string(getpid()) + "_" +
+                 std::to_string(s_nCount++);
+    }
+    ~TempPath() { unlink(m_path.c_str()); }
+    const char *c_str() const { return m_path.c_str(); }
+
+private:
+    std::string m_path;
+};
+
+inline std::vector<BYTE> Bytes(std::initializer_list<int> list) {
+    std::vector<BYTE> v;
+    for (int b : list)
+        v.push_back((BYTE)b);
+    return v;
+}
