@@ -132,7 +132,7 @@ BOOL CArchive::ReadString(CString &rString) {
     std::string line;
     bool bAny = false;
     for (;;) {
-        if (m_pBufCur == m_pBufMax && Refill(m_nBufSize) == 0)
+        if (m_pBufCur == m_pBufMax && Refill(1) == 0)
             break;
         bAny = true;
         BYTE *pEnd = (BYTE *)memchr(m_pBufCur, '\n', (size_t)(m_pBufMax - m_pBufCur));

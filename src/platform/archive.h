@@ -22,6 +22,8 @@
 #include <map>
 #include <vector>
 
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "archives copy numbers as they lie");
+
 class CArchive {
 public:
     enum Mode { store = 0, load = 1 };
@@ -80,7 +82,7 @@ private:
     CArchive &Put(const void *p, UINT n) {
         if (m_nMode != store)
             throw CArchiveException(CArchiveException::readOnly);
-        if (m_pBufCur + n > m_pBufMax)
+        if (n > (UINT)(m_pBufMax - m_pBufCur))
             Flush();
         memcpy(m_pBufCur, p, n);
         m_pBufCur += n;
@@ -89,7 +91,7 @@ private:
     CArchive &Get(void *p, UINT n) {
         if (m_nMode != load)
             throw CArchiveException(CArchiveException::writeOnly);
-        if (m_pBufCur + n > m_pBufMax)
+        if (n > (UINT)(m_pBufMax - m_pBufCur))
             FillBuffer(n - (UINT)(m_pBufMax - m_pBufCur));
         memcpy(p, m_pBufCur, n);
         m_pBufCur += n;
