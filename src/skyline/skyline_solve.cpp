@@ -1,0 +1,255 @@
+// CSkylineMatrix: root-free Cholesky in place, substitutions, diagonal scaling, the direct
+// solve with its report, and Gauss-Seidel on the unfactorised matrix.
+#include "skyline/skylinematrix.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "dense/matrix.h"
+
+namespace {
+
+// The timing rule of the substitutions: 1000.0 while running, seconds at the end.
+struct CSubTimer {
+    double *m_pTime;
+    LONG m_nStart;
+    explicit CSubTimer(double *pTime) : m_pTime(pTime), m_nStart(0) {
+        if (m_pTime) {
+            *m_pTime = 1000.0;
+            m_nStart = AfxClock();
+        }
+    }
+    void Stop() {
+        if (m_pTime)
+            *m_pTime = (AfxClock() - m_nStart) / 1000.0;
+    }
+};
+
+} // namespace
+
+// Factorises A = L D L^T in place: row by row, each row worked in a dense copy against the
+// finished rows above it, whose pivots are kept apart in D. Yields 1.
+int CSkylineMatrix::Cholesky() {
+    const int n = m_nRows;
+    int nMaxHeight = 0;
+    for (int i = 0; i < n; i++)
+        nMaxHeight = std::max(nMaxHeight, m_pHeights[i]);
+    double *w = new double[nMaxHeight];
+    double *D = DiagVect();
+
+    for (int i = 1; i < n; i++) {
+        const int p = PeakRow(i);
+        const int nLength = i - p + 1;
+        double *pRow = m_ppDiag[i] - (i - p);
+        std::copy(pRow, pRow + nLength, w);
+
+        // Multipliers L(i, j), left to right; each uses the finished ones before it.
+        for (int j = p; j < i; j++) {
+            const int s = std::max(p, PeakRow(j));
+            const double *pRowJ = m_ppDiag[j] - (j - s); // L(j, s) onwards
+            double dValue = w[j - p];
+            for (int c = s; c < j; c++)
+                dValue -= w[c - p] * pRowJ[c - s] * D[c];
+            w[j - p] = dValue / D[j];
+        }
+        // Pivot.
+        double dPivot = w[i - p];
+        for (int c = p; c < i; c++)
+            dPivot -= std::pow(w[c - p], 2.0) * D[c];
+        w[i - p] = dPivot;
+        D[i] = dPivot;
+
+        std::copy(w, w + nLength, pRow);
+    }
+    delete[] D;
+    delete[] w;
+    return 1;
+}
+
+// Solves with the lower factor for every column of *pB, in place: unit diagonal (nMode 1) or
+// the stored one (nMode 2); other modes only time.
+void CSkylineMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
+    CSubTimer timer(pTime);
+    if (nMode == 1 || nMode == 2) {
+        CMatrix &B = *static_cast<CMatrix *>(pB);
+        const int nCols = B.GetColumns();
+        double *b = B.m_pVector;
+        for (int c = nCols - 1; c >= 0; c--) {
+            for (int i = 0; i < m_nRows; i++) {
+                double &bi = b[(size_t)i * nCols + c];
+                for (int k = PeakRow(i); k < i; k++)
+                    bi -= (*this)(k, i) * b[(size_t)k * nCols + c];
+                if (nMode == 2)
+                    bi /= (*this)(i, i);
+            }
+        }
+    }
+    timer.Stop();
+}
+
+// Solves with the upper factor for every column of *pB, in place, by the modes of ForwSub.
+// Entry i takes its terms from rows n-1 down to i+1, as a search of every later row would
+// give them, but each stored row is walked once: row j, when its own entry is final, pushes
+// its share to the entries of the columns it covers.
+void CSkylineMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
+    CSubTimer timer(pTime);
+    if (nMode == 1 || nMode == 2) {
+        CMatrix &B = *static_cast<CMatrix *>(pB);
+        const int nCols = B.GetColumns();
+        double *b = B.m_pVector;
+        for (int c = nCols - 1; c >= 0; c--) {
+            for (int j = m_nRows - 1; j >= 0; j--) {
+                double &bj = b[(size_t)j * nCols + c];
+                if (nMode == 2)
+                    bj /= (*this)(j, j);
+                const double dFinal = bj;
+                for (int i = PeakRow(j); i < j; i++)
+                    b[(size_t)i * nCols + c] -= (*this)(i, j) * dFinal;
+            }
+        }
+    }
+    timer.Stop();
+}
+
+// Scales by the diagonal: the matrix's by pB[i][0] (nMode 1, -1), or the rows of *pB by the
+// matrix's (nMode 2, -2). No columns: returns before any timing.
+void CSkylineMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
+    CMatrix &B = *static_cast<CMatrix *>(pB);
+    const int nCols = B.GetColumns();
+    if (nCols == 0)
+        return;
+    CSubTimer timer(pTime);
+    double *b = B.m_pVector;
+    switch (nMode) {
+    case 1:
+        for (int i = 0; i < m_nRows; i++)
+            *m_ppDiag[i] *= b[(size_t)i * nCols];
+        break;
+    case -1:
+        for (int i = 0; i < m_nRows; i++)
+            *m_ppDiag[i] /= b[(size_t)i * nCols];
+        break;
+    case 2:
+        for (int i = 0; i < m_nRows; i++) {
+            const double d = *m_ppDiag[i];
+            for (double *p = b + (size_t)i * nCols, *pEnd = p + nCols; p < pEnd; p++)
+                *p *= d;
+        }
+        break;
+    case -2:
+        for (int i = 0; i < m_nRows; i++) {
+            const double d = *m_ppDiag[i];
+            for (double *p = b + (size_t)i * nCols, *pEnd = p + nCols; p < pEnd; p++)
+                *p /= d;
+        }
+        break;
+    default:
+        break;
+    }
+    timer.Stop();
+}
+
+// Factorises, solves every column of the CMatrix *pB in place and shows the timing report.
+int CSkylineMatrix::Cholesky_Solve(CVirtMat *pB, double &dTime) {
+    m_Flops = 0;
+    dTime = 1000.0;
+    const LONG nStart = AfxClock();
+    const LONG nFactorStart = AfxClock();
+    const int nResult = Cholesky();
+    if (nResult != 1) {
+        dTime = -1.0;
+        return nResult;
+    }
+    const LONG nForwStart = AfxClock();
+    ForwSub(pB, NULL, 1);
+    const LONG nBackwStart = AfxClock();
+    DiagMult(pB, NULL, -2);
+    BackwSub(pB, NULL, 1);
+    const LONG nEnd = AfxClock();
+    dTime = (nEnd - nStart) / 1000.0;
+
+    // The backward time covers the diagonal scaling too.
+    char szText[512];
+    snprintf(szText, sizeof szText,
+             "Used time:\r\n Factorizing  :   %s\r\n Forw. subst. :   %s\r\n Backw. subst.:   "
+             "%s\r\n Size stiffm. :   %u\r\n Flops        :   %10.3e",
+             (const char *)FormatTime((nForwStart - nFactorStart) / 1000.0),
+             (const char *)FormatTime((nBackwStart - nForwStart) / 1000.0),
+             (const char *)FormatTime((nEnd - nBackwStart) / 1000.0), (unsigned)m_nValues,
+             (double)m_Flops);
+    AfxMessageBox(szText, 0, 0);
+    return 1;
+}
+
+// Gauss-Seidel sweeps from x towards the solution of A x = b, with the timing report.
+// Each sweep subtracts the upper triangle at the old values y, then solves with the lower
+// triangle and the diagonal; both passes walk m_pValues in storage order.
+int CSkylineMatrix::GaussSeidel_Iter(CVector &b, CVector &x, double dTol, int nMaxIter) {
+    const int n = b.GetSize();
+    if (n == 0)
+        return 1;
+    if (n == 1) {
+        x[0] = b[0] / (*this)(0, 0);
+        return 1;
+    }
+    const LONG nStart = AfxClock();
+    int nResult = -1;
+    double dNorm = 0.0;
+    LONG nFirstTicks = 0, nLastTicks = 0;
+    CVector y(n);
+    for (int i = 0; i < n; i++)
+        y[i] = x[i];
+
+    int nSweeps = 0;
+    while (nSweeps < nMaxIter) {
+        nSweeps++;
+        x = b;
+        double *px = x.m_pVector;
+        const double *py = y.m_pVector;
+
+        // First pass: the strict upper triangle at the old values. Row 0 is its diagonal.
+        LONG nTick = AfxClock();
+        const double *pA = m_pValues + 1;
+        for (int i = 1; i < n; i++) {
+            const double yi = py[i];
+            for (int k = PeakRow(i); k < i; k++)
+                px[k] -= yi * *pA++;
+            pA++;
+        }
+        nFirstTicks += AfxClock() - nTick;
+
+        // Second pass: forward solution with the lower triangle and the diagonal.
+        nTick = AfxClock();
+        pA = m_pValues;
+        for (int i = 0; i < n; i++) {
+            double s = px[i];
+            for (int k = PeakRow(i); k < i; k++)
+                s -= px[k] * *pA++;
+            px[i] = s / *pA++;
+        }
+        nLastTicks += AfxClock() - nTick;
+
+        y -= x;
+        dNorm = y.InfNorm();
+        if (dNorm < dTol) {
+            nResult = 1;
+            break;
+        }
+        y.SwitchVectors(&x);
+    }
+    if (nResult != 1 && nSweeps > 0)
+        y.SwitchVectors(&x); // x takes the newest iterate back
+    const LONG nEnd = AfxClock();
+
+    char szText[512];
+    snprintf(szText, sizeof szText,
+             "Used time solving :   %s\r\nFirst            :   %s\r\nLast             :   "
+             "%s\r\n Number of iter. :   %u\r\n NEQ             :   %u\r\n Norm of error   :   %e",
+             (const char *)FormatTime((nEnd - nStart) * 0.001),
+             (const char *)FormatTime(nFirstTicks * 0.001),
+             (const char *)FormatTime(nLastTicks * 0.001),
+             (unsigned)(nMaxIter <= 0 ? nMaxIter : nSweeps), (unsigned)n, dNorm);
+    AfxMessageBox(szText, 0, 0);
+    return nResult;
+}
