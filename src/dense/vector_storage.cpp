@@ -1,9 +1,6 @@
 // CVector: construction, storage, filling, archive stream.
-#include "dense/vector.h"
-#if __has_include("dense/matrix.h")
 #include "dense/matrix.h"
-#define FEMMAT_HAS_MATRIX_TMP 1
-#endif
+#include "dense/vector.h"
 
 #include <cstring>
 #include <new>
@@ -92,10 +89,8 @@ void CVector::SwitchVectors(CVector *pOther) {
     pOther->m_pVector = pValues;
     pOther->m_nSize = nSize;
     // A matrix partner keeps its shape consistent with the array it took over.
-#ifdef FEMMAT_HAS_MATRIX_TMP
     if (pOther->IsKindOf(RUNTIME_CLASS(CMatrix)))
         ((CMatrix *)pOther)->Resize(m_nSize, false);
-#endif
 }
 
 void CVector::Trunc(int nFirst, int nEnd) {

@@ -94,7 +94,7 @@ TEST(Vector, LinCombSizesAndAliases) {
     r.LinComb(2.0, a, 3.0, b);
     EXPECT_EQ(Values(r), (std::vector<double>{5, 7, 6}));
     r.LinComb(2.0, b, 3.0, a);
-    EXPECT_EQ(Values(r), (std::vector<double>{5, 11, 9}));
+    EXPECT_EQ(Values(r), (std::vector<double>{5, 8, 9}));
     // The target may be the full-length operand.
     a.LinComb(1.0, a, -1.0, b);
     EXPECT_EQ(Values(a), (std::vector<double>{0, 1, 3}));
