@@ -61,7 +61,9 @@ CVector &CVector::operator-=(CVector &other) {
     return *this;
 }
 
-void CVector::Add(CVector &other, double dFactor) { AddScaled(other, dFactor); }
+void CVector::Add(CVector &other, double dFactor) {
+    AddScaled(other, dFactor);
+}
 
 CVector &CVector::LinComb(double dA, CVector &A, double dB, CVector &B) {
     int nA = A.m_nSize, nB = B.m_nSize;
@@ -120,7 +122,9 @@ double CVector::Sum() {
     return dSum;
 }
 
-double CVector::Mean() { return Sum() / m_nSize; }
+double CVector::Mean() {
+    return Sum() / m_nSize;
+}
 
 double CVector::Length() const {
     double dSum = 0.0;
@@ -220,4 +224,6 @@ bool CVector::operator==(double dValue) const {
     return true;
 }
 
-bool CVector::operator==(int nValue) const { return *this == (double)nValue; }
+bool CVector::operator==(int nValue) const {
+    return *this == (double)nValue;
+}

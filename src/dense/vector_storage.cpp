@@ -19,13 +19,17 @@ CVector::CVector(int nSize, bool bInit, double dValue) : m_nSize(0), m_pVector(N
             m_pVector[i] = dValue;
 }
 
-CVector::CVector(CVector *pOther) : m_nSize(0), m_pVector(NULL) { *this = *pOther; }
+CVector::CVector(CVector *pOther) : m_nSize(0), m_pVector(NULL) {
+    *this = *pOther;
+}
 
 CVector::CVector(const CVector &other) : CVirtRealMat(), m_nSize(0), m_pVector(NULL) {
     *this = other;
 }
 
-CVector::~CVector() { delete[] m_pVector; }
+CVector::~CVector() {
+    delete[] m_pVector;
+}
 
 bool CVector::Allocate(int nSize, bool bInit, double dValue) {
     // A new size loses the old contents; the same size keeps them.
@@ -66,7 +70,9 @@ CVector &CVector::operator=(const CVector &other) {
     return *this;
 }
 
-CVector &CVector::operator=(CVector &other) { return *this = (const CVector &)other; }
+CVector &CVector::operator=(CVector &other) {
+    return *this = (const CVector &)other;
+}
 
 void CVector::SetVector(int nSize, double *pValues) {
     delete[] m_pVector;

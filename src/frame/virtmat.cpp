@@ -18,7 +18,9 @@ CString CVirtMat::FormatTime(double dSeconds) {
     return str;
 }
 
-int CVirtRealMat::Cholesky_Solve(CVirtMat *, double &) { return 0; }
+int CVirtRealMat::Cholesky_Solve(CVirtMat *, double &) {
+    return 0;
+}
 
 bool ApproxEqual(double dValue, double dRef, double dUlps) {
     const double d = dUlps * 2.220446049250313e-16;

@@ -297,8 +297,8 @@ TEST(VectorArchive, StreamIsByteExact) {
     CVector empty;
     EXPECT_EQ(Store(empty), (std::vector<BYTE>{0, 0, 0, 0}));
     CVector v = Make({1.0, -2.0});
-    EXPECT_EQ(Store(v), (std::vector<BYTE>{2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xF0, 0x3F, 0, 0, 0, 0,
-                                           0, 0, 0, 0xC0}));
+    EXPECT_EQ(Store(v), (std::vector<BYTE>{2,    0,    0, 0, 0, 0, 0, 0, 0, 0,
+                                           0xF0, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0xC0}));
 }
 
 TEST(VectorArchive, RoundTripThroughObjectRecords) {
