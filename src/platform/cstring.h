@@ -47,10 +47,12 @@ public:
     // Replaces the contents with the printf-style result, of any length.
     void Format(const char *pszFormat, ...) __attribute__((format(printf, 2, 3)));
 
-    // Index of the first occurrence at or after nStart, -1 if none or nStart is past the end.
+    // Index of the first occurrence at or after nStart; -1 if none, or if nStart is negative
+    // or past the end.
     int Find(char ch, int nStart = 0) const;
     int Find(const char *pszSub, int nStart = 0) const;
 
+    // Counts and positions are clamped to the string.
     CString Left(int nCount) const;
     CString Right(int nCount) const;
     CString Mid(int nFirst) const;

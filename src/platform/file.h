@@ -30,14 +30,16 @@ public:
     CFile &operator=(const CFile &) = delete;
 
     // Non-zero on success. Every open takes an advisory lock without waiting:
-    // exclusive for shareExclusive, shared otherwise.
+    // exclusive for shareExclusive, shared otherwise; a refused open leaves the file as
+    // it was (modeCreate truncates only once the lock is held). A directory is refused.
+    // A file this object still had open is closed first.
     virtual BOOL Open(const char *pszFileName, UINT nOpenFlags, CFileException *pError = NULL);
     virtual void Close();
-    // Bytes actually read; 0 at the end.
+    // Bytes actually read; fewer than asked only at the end. Errors throw CFileException.
     virtual UINT Read(void *lpBuf, UINT nCount);
     // Writes all bytes or throws CFileException.
     virtual void Write(const void *lpBuf, UINT nCount);
-    // New position from the start.
+    // New position from the start; a position before the start throws CFileException.
     virtual ULONG Seek(LONG lOff, UINT nFrom);
     void SeekToBegin() { Seek(0, begin); }
     ULONG SeekToEnd() { return Seek(0, end); }

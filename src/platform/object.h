@@ -25,7 +25,8 @@ struct CRuntimeClass {
     static CRuntimeClass *FromName(const char *pszClassName);
 };
 
-// Adds a record to the list FromName searches.
+// Adds a record to the list FromName searches; a record already there is left alone.
+// IMPLEMENT_SERIAL registers its class this way at load; dynamic classes are not registered.
 void AfxClassInit(CRuntimeClass *pNewClass);
 
 // Registers a class record by static construction.
@@ -53,6 +54,7 @@ protected:
     CObject &operator=(const CObject &) = default;
 };
 
+// clang-format off
 #define RUNTIME_CLASS(class_name) (&class_name::class##class_name)
 
 #define DECLARE_DYNAMIC(class_name)                                                                \
@@ -87,3 +89,4 @@ public:                                                                         
         pOb = (class_name *)ar.ReadObject(RUNTIME_CLASS(class_name));                              \
         return ar;                                                                                 \
     }
+// clang-format on
