@@ -250,30 +250,18 @@ int CReorderMat::SetLabels(int nVertex, int &nLabel, int nGap) {
     }
 }
 
-// True when nValue stands among the nCount entries of pRow; pSorted, when given, holds the
-// same entries ascending and is searched by bisection.
-static bool InRow(const LONG *pRow, const LONG *pSorted, int nCount, LONG nValue) {
-    if (pSorted != NULL)
-        return std::binary_search(pSorted, pSorted + nCount, nValue);
-    for (int j = 0; j < nCount; j++) {
-        if (pRow[j] == nValue)
-            return true;
-    }
-    return false;
-}
-
 int CReorderMat::UnionAdj_Ex_p_i(int i, int p) {
     LONG *pOld = m_ppRows[i];
     int nOld = m_pRowSizes[i];
     const LONG *pP = m_ppRows[p];
     int nP = m_pRowSizes[p];
 
-    // Long rows are searched in a sorted copy, so that a union stays near linear.
-    LONG *pSorted = NULL;
-    if (nOld > 16 && nP > 16) {
-        pSorted = new LONG[nOld];
-        std::copy(pOld, pOld + nOld, pSorted);
-        std::sort(pSorted, pSorted + nOld);
+    // Membership in the old row i is marked on the counts of its entries, complemented
+    // (so negative) until the union is made: a linear union without scratch storage.
+    for (int j = 0; j < nOld; j++) {
+        int &nSize = m_pRowSizes[pOld[j]];
+        if (nSize >= 0)
+            nSize = ~nSize;
     }
 
     // Count: the old row less p, plus the new entries of row p.
@@ -284,32 +272,34 @@ int CReorderMat::UnionAdj_Ex_p_i(int i, int p) {
     }
     for (int j = 0; j < nP; j++) {
         LONG x = pP[j];
-        if (x != i && !InRow(pOld, pSorted, nOld, x))
+        if (x != i && m_pRowSizes[x] >= 0)
             c++;
-    }
-    if (c == 0) {
-        delete[] pSorted;
-        delete[] pOld;
-        m_ppRows[i] = NULL;
-        m_pRowSizes[i] = 0;
-        return 0;
     }
 
     // Fill: the old row in its order without p, then row p's new entries in theirs.
-    LONG *pNew = new LONG[c];
-    int m = 0;
+    LONG *pNew = NULL;
+    if (c > 0) {
+        pNew = new LONG[c];
+        int m = 0;
+        for (int j = 0; j < nOld; j++) {
+            if (pOld[j] != p)
+                pNew[m++] = pOld[j];
+        }
+        for (int j = 0; j < nP; j++) {
+            LONG x = pP[j];
+            if (x != i && m_pRowSizes[x] >= 0)
+                pNew[m++] = x;
+        }
+    }
+
+    // Unmark before the count of i changes (i may stand in its own row).
     for (int j = 0; j < nOld; j++) {
-        if (pOld[j] != p)
-            pNew[m++] = pOld[j];
+        int &nSize = m_pRowSizes[pOld[j]];
+        if (nSize < 0)
+            nSize = ~nSize;
     }
-    for (int j = 0; j < nP; j++) {
-        LONG x = pP[j];
-        if (x != i && !InRow(pOld, pSorted, nOld, x))
-            pNew[m++] = x;
-    }
-    delete[] pSorted;
-    m_pRowSizes[i] = c;
     delete[] pOld;
     m_ppRows[i] = pNew;
+    m_pRowSizes[i] = c;
     return c;
 }
