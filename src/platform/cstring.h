@@ -70,6 +70,11 @@ public:
     friend bool operator==(const CString &a, const char *b) { return a.m_str == (b ? b : ""); }
     friend bool operator!=(const CString &a, const CString &b) { return !(a == b); }
     friend bool operator!=(const CString &a, const char *b) { return !(a == b); }
+    // Without these the conversion to const char * would compare or offset pointers.
+    friend bool operator==(const char *a, const CString &b) { return b == a; }
+    friend bool operator!=(const char *a, const CString &b) { return !(b == a); }
+    friend CString operator+(const CString &a, char ch) { return CString(a.m_str + ch); }
+    friend CString operator+(char ch, const CString &b) { return CString(ch + b.m_str); }
     friend CString operator+(const CString &a, const CString &b) {
         return CString(a.m_str + b.m_str);
     }

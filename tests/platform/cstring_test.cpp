@@ -95,6 +95,10 @@ TEST(CString, AssignConcatenateCompare) {
     EXPECT_EQ(b, "abcdef");
     EXPECT_EQ(a + "x", "abx");
     EXPECT_EQ("x" + a, "xab");
+    EXPECT_EQ(a + '!', "ab!");
+    EXPECT_EQ('!' + a, "!ab");
+    EXPECT_TRUE("ab" == a);
+    EXPECT_TRUE("abc" != a);
     EXPECT_TRUE(a != b);
     a = 'z';
     EXPECT_EQ(a, "z");
