@@ -1,21 +1,47 @@
 // CMatrix: dense factorisation and solving in place: LU with and without row pivoting,
 // the triangular solves, the timed driver, the determinant, Cholesky.
-// Every element is reached through the virtual accessors and Multiply, so a derived
-// class that keeps its elements elsewhere is factorised all the same.
+//
+// Every element is reached through the virtual accessors and Multiply, so a derived class
+// that keeps its elements elsewhere is factorised all the same. For an object whose
+// dynamic type is CMatrix itself those calls can only land in CMatrix's own bodies, so
+// the algorithms then run on the array directly: the same operations in the same order,
+// bit for bit the same results, without a virtual call and a division per element.
 #include "dense/matrix.h"
 
 #include <cmath>
+#include <typeinfo>
 
-double CMatrix::Multiply(int i, int j, double dFactor) {
-    double &dValue = GetValueByRef(i, j);
-    dValue *= dFactor;
-    return dValue;
+namespace {
+
+// Element access through the virtual table: what a derived class sees.
+struct TableAccess {
+    CMatrix &m;
+    double Get(int i, int j) const { return m.GetValue(i, j); }
+    void Set(int i, int j, double dValue) const { m.SetValue(i, j, dValue); }
+    void Add(int i, int j, double dValue) const { m.AddValue(i, j, dValue); }
+    double &Ref(int i, int j) const { return m.GetValueByRef(i, j); }
+    double Multiply(int i, int j, double dFactor) const { return m.Multiply(i, j, dFactor); }
+};
+
+// The bodies of CMatrix's own accessors, on the array with the column count taken once.
+struct DirectAccess {
+    double *p;
+    int nCols;
+    explicit DirectAccess(CMatrix &m) : p(m.m_pVector), nCols(m.GetColumns()) {}
+    double Get(int i, int j) const { return p[i * nCols + j]; }
+    void Set(int i, int j, double dValue) const { p[i * nCols + j] = dValue; }
+    void Add(int i, int j, double dValue) const { p[i * nCols + j] += dValue; }
+    double &Ref(int i, int j) const { return p[i * nCols + j]; }
+    double Multiply(int i, int j, double dFactor) const { return p[i * nCols + j] *= dFactor; }
+};
+
+// True when no derived class can stand between the algorithms and the elements.
+bool HasOwnAccessors(CMatrix &m) {
+    return typeid(m) == typeid(CMatrix);
 }
 
-// Gaussian elimination with partial pivoting: L (unit diagonal) below, U on and above.
-// The last pivot is never examined.
-int CMatrix::LUP_Decomp(int *&pPerm) {
-    int n = m_nRows;
+// Gaussian elimination with partial pivoting; see LUP_Decomp.
+template <class Access> int LupDecomp(Access a, int n, int *&pPerm) {
     pPerm = new int[n];
     for (int i = 0; i < n; i++)
         pPerm[i] = i;
@@ -24,7 +50,7 @@ int CMatrix::LUP_Decomp(int *&pPerm) {
         double dBest = 0.0;
         int p = k;
         for (int i = k; i < n; i++) {
-            double dMag = fabs(GetValue(i, k));
+            double dMag = fabs(a.Get(i, k));
             if (dMag > dBest) {
                 dBest = dMag;
                 p = i;
@@ -40,49 +66,44 @@ int CMatrix::LUP_Decomp(int *&pPerm) {
         pPerm[p] = nTemp;
         if (p != k)
             for (int j = 0; j < n; j++) {
-                double &dK = GetValueByRef(k, j);
-                double &dP = GetValueByRef(p, j);
+                double &dK = a.Ref(k, j);
+                double &dP = a.Ref(p, j);
                 double dSwap = dK;
                 dK = dP;
                 dP = dSwap;
             }
         // Elimination below the pivot, with one reciprocal per column.
-        double dRecip = 1.0 / GetValue(k, k);
+        double dRecip = 1.0 / a.Get(k, k);
         for (int i = k + 1; i < n; i++) {
-            double dFactor = Multiply(i, k, dRecip);
+            double dFactor = a.Multiply(i, k, dRecip);
             for (int j = k + 1; j < n; j++)
-                AddValue(i, j, -(GetValue(k, j) * dFactor));
+                a.Add(i, j, -(a.Get(k, j) * dFactor));
         }
     }
     return 1;
 }
 
-// Gaussian elimination without pivoting, down to and including the last row.
-CMatrix *CMatrix::LU() {
-    int n = m_nRows;
+// Gaussian elimination without pivoting; see LU.
+template <class Access> bool Lu(Access a, int n) {
     for (int k = 0; k < n; k++) {
-        double dPivot = GetValue(k, k);
+        double dPivot = a.Get(k, k);
         if (dPivot == 0.0)
-            return NULL;
+            return false;
         for (int i = k + 1; i < n; i++) {
-            double dFactor = GetValue(i, k);
+            double dFactor = a.Get(i, k);
             if (dFactor == 0.0)
                 continue;
             dFactor = dFactor / dPivot;
-            SetValue(i, k, dFactor);
+            a.Set(i, k, dFactor);
             for (int j = k + 1; j < n; j++)
-                AddValue(i, j, -(dFactor * GetValue(k, j)));
+                a.Add(i, j, -(dFactor * a.Get(k, j)));
         }
     }
-    return this;
+    return true;
 }
 
-// Solves LU x = P b in place for every column of pB; pPerm NULL means factors of LU().
-void CMatrix::LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB) {
-    int n = pLU->m_nRows;
-    int nCols = pB->GetColumns();
-    if (nCols == 0)
-        return;
+// The triangular solves for nCols right-hand sides; see LUP_Solve.
+template <class Access> void LupSolve(Access lu, int n, int *pPerm, Access b, int nCols) {
     if (pPerm != NULL) {
         double *y = new double[n];
         for (int c = 0; c < nCols; c++) {
@@ -90,16 +111,16 @@ void CMatrix::LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB) {
             for (int i = 0; i < n; i++) {
                 double s = 0.0;
                 for (int j = 0; j < i; j++)
-                    s -= pLU->GetValue(i, j) * y[j];
-                y[i] = pB->GetValue(pPerm[i], c) + s;
+                    s -= lu.Get(i, j) * y[j];
+                y[i] = b.Get(pPerm[i], c) + s;
             }
-            // Backward: U x = y, into pB.
+            // Backward: U x = y, into b.
             for (int i = n - 1; i >= 0; i--) {
                 double s = y[i];
                 for (int j = i + 1; j < n; j++)
-                    s -= pLU->GetValue(i, j) * pB->GetValue(j, c);
-                s /= pLU->GetValue(i, i);
-                pB->SetValue(i, c, s);
+                    s -= lu.Get(i, j) * b.Get(j, c);
+                s /= lu.Get(i, i);
+                b.Set(i, c, s);
             }
         }
         delete[] y;
@@ -110,18 +131,84 @@ void CMatrix::LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB) {
         for (int i = 0; i < n; i++) {
             double s = 0.0;
             for (int j = 0; j < i; j++)
-                s -= pLU->GetValue(i, j) * pB->GetValue(j, c);
-            pB->AddValue(i, c, s);
+                s -= lu.Get(i, j) * b.Get(j, c);
+            b.Add(i, c, s);
         }
         // Backward in place: U x = y.
         for (int i = n - 1; i >= 0; i--) {
-            double s = pB->GetValue(i, c);
+            double s = b.Get(i, c);
             for (int j = i + 1; j < n; j++)
-                s -= pLU->GetValue(i, j) * pB->GetValue(j, c);
-            s /= pLU->GetValue(i, i);
-            pB->SetValue(i, c, s);
+                s -= lu.Get(i, j) * b.Get(j, c);
+            s /= lu.Get(i, i);
+            b.Set(i, c, s);
         }
     }
+}
+
+// Right-looking Cholesky on rows; see CMatrix::Cholesky.
+template <class Access> int Cholesky(Access a, int n) {
+    for (int k = 0; k < n - 1; k++) {
+        double d = a.Get(k, k);
+        if (d == 0.0)
+            return 0;
+        // Update the trailing upper triangle with the raw row k.
+        for (int i = k + 1; i < n; i++) {
+            double p = a.Get(k, i);
+            if (p == 0.0)
+                continue;
+            double t = p / d;
+            for (int j = i; j < n; j++)
+                a.Add(i, j, -(t * a.Get(k, j)));
+        }
+        // Row k is finished: zeros to the left, scaled from the diagonal on.
+        double s = sqrt(d);
+        for (int j = 0; j < k; j++)
+            a.Set(k, j, 0.0);
+        for (int j = k; j < n; j++)
+            a.Set(k, j, a.Get(k, j) / s);
+    }
+    int k = n - 1;
+    double d = a.Get(k, k);
+    if (d == 0.0)
+        return 0;
+    for (int j = 0; j < k; j++)
+        a.Set(k, j, 0.0);
+    a.Set(k, k, d / sqrt(d));
+    return 1;
+}
+
+} // namespace
+
+double CMatrix::Multiply(int i, int j, double dFactor) {
+    double &dValue = GetValueByRef(i, j);
+    dValue *= dFactor;
+    return dValue;
+}
+
+// Gaussian elimination with partial pivoting: L (unit diagonal) below, U on and above.
+// The last pivot is never examined.
+int CMatrix::LUP_Decomp(int *&pPerm) {
+    if (HasOwnAccessors(*this))
+        return LupDecomp(DirectAccess(*this), m_nRows, pPerm);
+    return LupDecomp(TableAccess{*this}, m_nRows, pPerm);
+}
+
+// Gaussian elimination without pivoting, down to and including the last row.
+CMatrix *CMatrix::LU() {
+    bool bDone =
+        HasOwnAccessors(*this) ? Lu(DirectAccess(*this), m_nRows) : Lu(TableAccess{*this}, m_nRows);
+    return bDone ? this : NULL;
+}
+
+// Solves LU x = P b in place for every column of pB; pPerm NULL means factors of LU().
+void CMatrix::LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB) {
+    int nCols = pB->GetColumns();
+    if (nCols == 0)
+        return;
+    if (HasOwnAccessors(*pLU) && HasOwnAccessors(*pB))
+        LupSolve(DirectAccess(*pLU), pLU->m_nRows, pPerm, DirectAccess(*pB), nCols);
+    else
+        LupSolve(TableAccess{*pLU}, pLU->m_nRows, pPerm, TableAccess{*pB}, nCols);
 }
 
 // Factorises and solves A X = B in place; dSeconds gets the factorisation's time alone.
@@ -168,35 +255,9 @@ double CMatrix::SubDetSqMat(int i, int j, int nOrder) {
 // A = R^T R in place, R upper, reading only the upper triangle; zeros below.
 // 0 on a pivot of exactly zero; a negative pivot gives not-a-number and goes on.
 int CMatrix::Cholesky() {
-    int n = m_nRows;
-    if (n < 1)
+    if (m_nRows < 1)
         return 0;
-    for (int k = 0; k < n - 1; k++) {
-        double d = GetValue(k, k);
-        if (d == 0.0)
-            return 0;
-        // Update the trailing upper triangle with the raw row k.
-        for (int i = k + 1; i < n; i++) {
-            double p = GetValue(k, i);
-            if (p == 0.0)
-                continue;
-            double t = p / d;
-            for (int j = i; j < n; j++)
-                AddValue(i, j, -(t * GetValue(k, j)));
-        }
-        // Row k is finished: zeros to the left, scaled from the diagonal on.
-        double s = sqrt(d);
-        for (int j = 0; j < k; j++)
-            SetValue(k, j, 0.0);
-        for (int j = k; j < n; j++)
-            SetValue(k, j, GetValue(k, j) / s);
-    }
-    int k = n - 1;
-    double d = GetValue(k, k);
-    if (d == 0.0)
-        return 0;
-    for (int j = 0; j < k; j++)
-        SetValue(k, j, 0.0);
-    SetValue(k, k, d / sqrt(d));
-    return 1;
+    if (HasOwnAccessors(*this))
+        return ::Cholesky(DirectAccess(*this), m_nRows);
+    return ::Cholesky(TableAccess{*this}, m_nRows);
 }

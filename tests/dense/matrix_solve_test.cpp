@@ -265,3 +265,32 @@ TEST(MatrixSolve, DerivedAccessorsSeeEveryElementAccess) {
     EXPECT_EQ(small.SubDetSqMat(0, 0, 2), -2.0);
     EXPECT_EQ(small.m_nGets, 4);
 }
+
+// A plain matrix runs on its array directly; a derived one through the table. Both must
+// give the same bits on systems large enough to pivot, round and cancel.
+TEST(MatrixSolve, PlainAndDerivedMatricesAgreeBitForBit) {
+    const int n = 12;
+    AfxSrand(99);
+    CMatrix a(n, n, false, 0.0), b(n, 3, false, 0.0), spd(n, n, true, 0.0);
+    for (int k = 0; k < n * n; k++)
+        a.m_pVector[k] = AfxRand() / 32767.0 - 0.5;
+    for (int k = 0; k < 3 * n; k++)
+        b.m_pVector[k] = AfxRand() / 32767.0;
+    for (int i = 0; i < n; i++)
+        for (int j = 0; j < n; j++)
+            for (int k = 0; k < n; k++)
+                spd.AddValue(i, j, a.GetValue(k, i) * a.GetValue(k, j));
+    for (bool bPivot : {true, false}) {
+        CMatrix plain(a), plainB(b);
+        CShadowMatrix shadow(a), shadowB(b);
+        double dSeconds;
+        ASSERT_TRUE(plain.SolveAxEqb(&plainB, bPivot, dSeconds));
+        ASSERT_TRUE(shadow.SolveAxEqb(&shadowB, bPivot, dSeconds));
+        EXPECT_EQ(shadow.Values(), Flat(plain));
+        EXPECT_EQ(shadowB.Values(), Flat(plainB));
+    }
+    CShadowMatrix shadowSpd(spd);
+    EXPECT_EQ(spd.Cholesky(), 1);
+    EXPECT_EQ(shadowSpd.Cholesky(), 1);
+    EXPECT_EQ(shadowSpd.Values(), Flat(spd));
+}
