@@ -7,9 +7,11 @@
 // is a small dense algebra of its own: LU with and without pivoting, Cholesky,
 // determinants, products, norms, scans, generators and rotations, all in place.
 //
-// Element access inside the algorithms goes through the virtual accessors (GetValue,
-// SetValue, AddValue, GetValueByRef, Multiply), so a derived class sees those calls; the
-// hot loops that are not tied to them walk row pointers instead.
+// The factorisations and solves reach every element through the virtual accessors
+// (GetValue, SetValue, AddValue, GetValueByRef, Multiply), so a derived class sees those
+// calls. An object whose dynamic type is CMatrix itself can only land in CMatrix's own
+// accessors, so it runs the same steps on its array directly, with the same results.
+// Other operations walk row pointers.
 //
 // Operations of CVector that are not replaced here work on the whole buffer as one flat
 // vector and know nothing of rows: a matrix must be combined with one of its own size,
