@@ -33,8 +33,11 @@
 // - SymHandleBCs leaves the rows of mRHS at the prescribed numbers as pass 1 left them
 //   (old value less the diagonal term); a caller that wants the prescribed values there
 //   writes them itself.
-// - GaussSeidel_Iter with vF of size 0 runs its sweeps over no rows (the symmetric path
-//   never reaches for a last row) and converges at once on a change of 0.0.
+// - LU, like the list form, eliminates nothing below a diagonal that has no cell behind
+//   it, so a later row with a cell in that column fails at its own turn.
+// - GaussSeidel_Iter with nMaxIter <= 0 runs no sweep, yields -1 and reports nMaxIter as
+//   its (unsigned) iteration count. With vF of size 0 it sweeps over no rows (the symmetric
+//   path never reaches for a last row) and converges at once on a change of 0.0.
 #pragma once
 
 #include "sparse/sparsematrix.h"
