@@ -11,18 +11,19 @@
 // (GetValue, SetValue, AddValue, GetValueByRef, Multiply), so a derived class sees those
 // calls. An object whose dynamic type is CMatrix itself can only land in CMatrix's own
 // accessors, so it runs the same steps on its array directly, with the same results.
-// Other operations walk row pointers.
+// Other operations walk the array, except where their contract names an accessor.
 //
 // Operations of CVector that are not replaced here work on the whole buffer as one flat
 // vector and know nothing of rows: a matrix must be combined with one of its own size,
 // and Trunc must be followed by Resize. LinComb and CrossProd size their target through
 // the vector slot of Allocate, so their result is a column.
 //
-// Choices where the description leaves room:
-// - GetValue and its kin, and Resize(0, ...), on a matrix of 0 rows divide by zero: the
-//   caller must not ask.
+// Choices made here:
+// - Resize(0, ...) returns false and changes nothing. GetValue and its kin on a matrix of
+//   0 rows divide by zero: the caller must not ask.
 // - operator()(i, j) is a convenience spelling of GetValueByRef(i, j), through the table.
 // - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
+// - fabsMaxInCol of a column without a comparable magnitude (all NaN) refers to its top.
 // - Eig and AAT are entry points without a body.
 #pragma once
 
