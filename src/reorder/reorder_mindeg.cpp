@@ -6,14 +6,62 @@
 #include "reorder/reordermat.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 // The report of a minimum-degree numbering timed from nStart to nEnd.
 static void BuildReport(char (&szText)[128], LONG nStart, LONG nEnd) {
     double dSeconds = (double)(nEnd - nStart) * 0.001;
     snprintf(szText, sizeof(szText), "Used time reordering:   %s\r\n",
              (const char *)CVirtMat::FormatTime(dSeconds));
+}
+
+// A value per vertex, with the smallest value and the first vertex at or below a bound
+// found in log time: a complete binary tree of minima over the vertices.
+class CMinTree {
+public:
+    explicit CMinTree(int n) : m_nLeaves(1) {
+        while (m_nLeaves < n)
+            m_nLeaves *= 2;
+        m_tree.assign(2 * m_nLeaves, INT_MAX);
+    }
+    void Set(int i, int nValue) {
+        int p = i + m_nLeaves;
+        m_tree[p] = nValue;
+        for (p /= 2; p >= 1; p /= 2)
+            m_tree[p] = std::min(m_tree[2 * p], m_tree[2 * p + 1]);
+    }
+    int Min() const { return m_tree[1]; }
+    // The first vertex whose value is at most nBound, or -1.
+    int FirstAtMost(int nBound) const {
+        if (m_tree[1] > nBound)
+            return -1;
+        int p = 1;
+        while (p < m_nLeaves)
+            p = m_tree[2 * p] <= nBound ? 2 * p : 2 * p + 1;
+        return p - m_nLeaves;
+    }
+
+private:
+    int m_nLeaves;
+    std::vector<int> m_tree;
+};
+
+// Variant 1 scores vertex i with max(0, M_i - k), M_i being the largest degree carried by
+// an unnumbered neighbour (0 if none). The first vertex of least score is then the first
+// one with M_i at most max(min M, k), so the scan of all vertices becomes a tree query, and
+// a turn only recomputes M around the two vertices whose values it changed.
+static int MaxCarriedDegree(CReorderMat &g, int i) {
+    int nMax = 0;
+    const LONG *pRow = g.m_ppRows[i];
+    for (int j = 0; j < g.m_pRowSizes[i]; j++) {
+        int fu = g.f_v(pRow[j]);
+        if (fu <= 0 && -fu > nMax)
+            nMax = -fu;
+    }
+    return nMax;
 }
 
 void CReorderMat::MinDegReorder(CFile *pFile) {
@@ -25,28 +73,30 @@ void CReorderMat::MinDegReorder(CFile *pFile) {
     // Static degrees: only the overwrite at vertex k changes what a vertex carries.
     for (int v = 0; v < n; v++)
         m_pLabels[v] = -m_pRowSizes[v];
+    CMinTree tree(n);
+    for (int v = 0; v < n; v++)
+        tree.Set(v, MaxCarriedDegree(*this, v));
     for (int k = 0; k < n - 1; k++) {
-        int nBest = n + 2;
-        int b = -1;
-        for (int i = 0; i < n; i++) {
-            if (f_v(i) > 0)
-                continue;
-            // Score: largest degree of an unnumbered neighbour, less k, at least 0.
-            int nScore = 0;
-            const LONG *pRow = m_ppRows[i];
-            for (int j = 0; j < m_pRowSizes[i]; j++) {
-                int fu = f_v(pRow[j]);
-                if (fu <= 0 && -fu - k > nScore)
-                    nScore = -fu - k;
-            }
-            if (nScore < nBest) {
-                nBest = nScore;
-                b = i;
-            }
-        }
+        // The first unnumbered vertex of least score.
+        int b = tree.FirstAtMost(std::max(tree.Min(), k));
+        bool bCarried = m_pLabels[k] <= 0 && k != b;
         if (m_pLabels[k] <= 0)
             m_pLabels[k] = m_pLabels[b];
         m_pLabels[b] = k + 1;
+
+        // Only the neighbours of b and of k see a changed value.
+        tree.Set(b, INT_MAX);
+        for (int nSide = 0; nSide < 2; nSide++) {
+            int w = nSide == 0 ? b : k;
+            if (nSide == 1 && !bCarried)
+                break;
+            const LONG *pRow = m_ppRows[w];
+            for (int j = 0; j < m_pRowSizes[w]; j++) {
+                int u = pRow[j];
+                if (f_v(u) <= 0)
+                    tree.Set(u, MaxCarriedDegree(*this, u));
+            }
+        }
     }
     // The one vertex left takes the last label; then labels from 0.
     for (int v = 0; v < n; v++) {
