@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <regex>
 #include <string>
@@ -83,37 +84,15 @@ inline void ExpectConsistent(CSkylineMatrix &m) {
     EXPECT_EQ(m.m_nValues, nSum);
 }
 
-// Solves the dense row-major n by n system A X = B (nCols columns) by Gaussian elimination
-// with partial pivoting; A and B are overwritten, X lands in B.
-inline void DenseSolve(std::vector<double> &A, std::vector<double> &B, int n, int nCols) {
-    for (int k = 0; k < n; k++) {
-        int p = k;
-        for (int i = k + 1; i < n; i++)
-            if (std::fabs(A[(size_t)i * n + k]) > std::fabs(A[(size_t)p * n + k]))
-                p = i;
-        if (p != k) {
-            for (int j = 0; j < n; j++)
-                std::swap(A[(size_t)k * n + j], A[(size_t)p * n + j]);
-            for (int c = 0; c < nCols; c++)
-                std::swap(B[(size_t)k * nCols + c], B[(size_t)p * nCols + c]);
-        }
-        for (int i = k + 1; i < n; i++) {
-            const double f = A[(size_t)i * n + k] / A[(size_t)k * n + k];
-            if (f == 0.0)
-                continue;
-            for (int j = k; j < n; j++)
-                A[(size_t)i * n + j] -= f * A[(size_t)k * n + j];
-            for (int c = 0; c < nCols; c++)
-                B[(size_t)i * nCols + c] -= f * B[(size_t)k * nCols + c];
-        }
-    }
-    for (int k = n - 1; k >= 0; k--)
-        for (int c = 0; c < nCols; c++) {
-            double s = B[(size_t)k * nCols + c];
-            for (int j = k + 1; j < n; j++)
-                s -= A[(size_t)k * n + j] * B[(size_t)j * nCols + c];
-            B[(size_t)k * nCols + c] = s / A[(size_t)k * n + k];
-        }
+// Solves the dense row-major n by n system A X = B (nCols columns) with the library's dense
+// solver, row pivoting on; X lands in B.
+inline void DenseSolve(const std::vector<double> &A, std::vector<double> &B, int n, int nCols) {
+    CMatrix M(n, n), X(n, nCols);
+    std::copy(A.begin(), A.end(), M.m_pVector);
+    std::copy(B.begin(), B.end(), X.m_pVector);
+    double dSeconds = 0.0;
+    ASSERT_TRUE(M.SolveAxEqb(&X, true, dSeconds));
+    std::copy(X.m_pVector, X.m_pVector + X.m_nSize, B.begin());
 }
 
 } // namespace skytest

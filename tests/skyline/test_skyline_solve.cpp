@@ -261,6 +261,7 @@ TEST(SkylineCholeskySolve, DiagonalMatrixDividesAndReports) {
     EXPECT_LT(dTime, 1.0);
     ASSERT_EQ(recorder.Texts().size(), 1u);
     EXPECT_TRUE(MatchesReport(recorder.Texts()[0], CholeskyReport(3))) << recorder.Texts()[0];
+    EXPECT_FALSE(MatchesReport(recorder.Texts()[0], CholeskyReport(4)));
 }
 
 TEST(SkylineCholeskySolve, MatchesDenseSolveAndReusedFactors) {
