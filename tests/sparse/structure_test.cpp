@@ -94,3 +94,55 @@ TEST(SparseStructure, MakeArrayMatDropsALoneOne) {
     A.MinDegReorder(v);
     EXPECT_EQ(Dump(A), "0:0=1;1:0=2,1=3;2:2=1,3=0");
 }
+
+// The operations reach each other through the virtual table, so a derived class's
+// override is what runs.
+class CountingSparse : public CSparseMatrix {
+public:
+    int m_nAdds = 0, m_nMirrorAdds = 0, m_nCholesky = 0, m_nReversals = 0, m_nClears = 0;
+    using CSparseMatrix::Add;
+    void Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell) override {
+        m_nAdds++;
+        CSparseMatrix::Add(nRow, nCol, dValue, pRow, pCell);
+    }
+    void Add(int nRow, int nCol, double dValue, row *&pRow) override {
+        m_nMirrorAdds++;
+        CSparseMatrix::Add(nRow, nCol, dValue, pRow);
+    }
+    int Cholesky() override {
+        m_nCholesky++;
+        return CSparseMatrix::Cholesky();
+    }
+    void ReverseRows() override {
+        m_nReversals++;
+        CSparseMatrix::ReverseRows();
+    }
+    void Clear() override {
+        m_nClears++;
+        CSparseMatrix::Clear();
+    }
+};
+
+TEST(SparseStructure, OverridesAreReached) {
+    CountingSparse A;
+    CVirtRealMat *pBase = &A;
+    LONG dofs[] = {0, 1};
+    double values[] = {2.0, 1.0, 1.0, 2.0};
+    pBase->AddValues(dofs, values, 2);
+    EXPECT_EQ(A.m_nAdds, 2); // one per element row
+    CSparseMatrix other;
+    Put(other, {{0, 0, 1.0}, {0, 1, 0.0}, {1, 1, 1.0}});
+    static_cast<CSparseMatrix &>(A) = other;
+    EXPECT_EQ(A.m_nAdds, 4); // one per cell that is not 0.0
+    A.Mirror(1.0);
+    EXPECT_EQ(A.m_nMirrorAdds, 1);
+    A.MakeUpper();
+    CMatrix B = Column({1.0, 1.0});
+    double dTime;
+    EXPECT_EQ(pBase->Cholesky_Solve(&B, dTime), 1);
+    EXPECT_EQ(A.m_nCholesky, 1);
+    EXPECT_EQ(A.m_nReversals, 2);
+    int s[] = {0};
+    pBase->Allocate(s, 1);
+    EXPECT_EQ(A.m_nClears, 1);
+}
