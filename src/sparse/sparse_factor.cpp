@@ -53,38 +53,47 @@ int CSparseMatrix::LU() {
     int n = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
         n++;
-    // entry t: the first cell of row t that elimination has not passed yet
-    cell **pEntry = new cell *[n > 0 ? n : 1];
+    // Entry t: the first cell of row t that elimination has not passed yet. Its column and
+    // its row are mirrored in flat arrays, so that the look at every later row per pivot
+    // reads contiguous memory instead of chasing rows and cells.
+    int nSize = n > 0 ? n : 1;
+    cell **pEntry = new cell *[nSize];
+    LONG *pEntryCol = new LONG[nSize];
+    row **pRowAt = new row *[nSize];
     int t = 0;
-    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
-        pEntry[t++] = r->m_pFirstCell;
+    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, t++) {
+        pRowAt[t] = r;
+        pEntry[t] = r->m_pFirstCell;
+        pEntryCol[t] = r->m_pFirstCell != NULL ? r->m_pFirstCell->m_nCol : -1;
+    }
 
     int nResult = 1;
-    int k = 0;
-    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, k++) {
+    for (int k = 0; k < n; k++) {
+        row *r = pRowAt[k];
         cell *p = pEntry[k];
         if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0) {
             nResult = -1;
             break;
         }
         // eliminate column k from the later rows that have a cell there
-        t = k + 1;
-        for (row *rt = r->m_pNext; rt != NULL; rt = rt->m_pNext, t++) {
+        for (t = k + 1; t < n; t++) {
+            if (pEntryCol[t] != k)
+                continue;
             cell *e = pEntry[t];
-            if (e == NULL || e->m_nCol != k)
-                continue;
-            if (e->m_dValue == 0.0) {
-                pEntry[t] = e->m_pNext;
-                continue;
+            if (e->m_dValue != 0.0) {
+                e->m_dValue = e->m_dValue / p->m_dValue;
+                double dL = e->m_dValue;
+                cell *pCursor = e;
+                for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                    pRowAt[t]->Add(b->m_nCol, -(b->m_dValue * dL), pCursor);
             }
-            e->m_dValue = e->m_dValue / p->m_dValue;
-            double dL = e->m_dValue;
-            cell *pCursor = e;
-            for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
-                rt->Add(b->m_nCol, -(b->m_dValue * dL), pCursor);
+            // step behind e; that may be a cell just created
             pEntry[t] = e->m_pNext;
+            pEntryCol[t] = e->m_pNext != NULL ? e->m_pNext->m_nCol : -1;
         }
     }
+    delete[] pRowAt;
+    delete[] pEntryCol;
     delete[] pEntry;
     return nResult;
 }

@@ -54,12 +54,14 @@ void CSparseMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
                 for (int k = 0; k < nc; k++)
                     br[k] -= bi[k] * e->m_dValue;
             }
-            if (nMode == -2) {
+            // a row without cells breaks the requirements; it is passed over, not followed
+            cell *pFirst = r->m_pFirstCell;
+            if (nMode == -2 && pFirst != NULL) {
                 for (int k = 0; k < nc; k++)
-                    br[k] /= r->m_pFirstCell->m_dValue;
+                    br[k] /= pFirst->m_dValue;
             }
             // row r's entry starts behind its first cell, the diagonal
-            cell *pSecond = r->m_pFirstCell->m_pNext;
+            cell *pSecond = pFirst != NULL ? pFirst->m_pNext : NULL;
             pEntry[p] = pSecond;
             pEntryCol[p] = pSecond != NULL ? pSecond->m_nCol : -1;
         }
