@@ -18,7 +18,7 @@
 // may hold 0.0. GetRows/GetColumns are what the lists say, never m_nRows/m_nColumns,
 // which belong to Allocate alone.
 //
-// Choices where the description leaves room:
+// Behaviour at the edges, chosen here:
 // - Cholesky yields -1 for a row without any cell, as for a misplaced first cell, and for
 //   an off-diagonal cell whose column has no row of its own (a non-square list).
 // - LU treats a diagonal with nothing behind it like any other: the cells below it are
