@@ -71,17 +71,33 @@ void CReorderMat::PostReorder() {
         m_pInverse[f_v(v)] = v;
 }
 
-// Appends one line "name(r,c) = value;" of the script.
+// Appends n in decimal, as "%u" would.
+static void AppendUnsigned(std::string &strOut, unsigned n) {
+    char szDigits[10];
+    int nLen = 0;
+    do {
+        szDigits[nLen++] = (char)('0' + n % 10);
+        n /= 10;
+    } while (n != 0);
+    while (nLen > 0)
+        strOut += szDigits[--nLen];
+}
+
+// Appends one line "name(r,c) = value;\r\n" of the script.
 static void AppendEntry(std::string &strOut, const char *pszName, unsigned r, unsigned c,
                         unsigned nValue) {
-    char szLine[64];
     strOut += pszName;
-    snprintf(szLine, sizeof(szLine), "(%u,%u) = %u;\r\n", r, c, nValue);
-    strOut += szLine;
+    strOut += '(';
+    AppendUnsigned(strOut, r);
+    strOut += ',';
+    AppendUnsigned(strOut, c);
+    strOut += ") = ";
+    AppendUnsigned(strOut, nValue);
+    strOut += ";\r\n";
 }
 
 void CReorderMat::MatlabWrite(CFile *pFile, CString sName) {
-    // Each line goes out without a terminator; a vertex's lines are written together.
+    // Lines go out without a terminator, gathered into blocks of some 64 KB.
     CString strHead;
     strHead.Format("%s = sparse(%u,%u);\r\n", (const char *)sName, (unsigned)m_nRows,
                    (unsigned)m_nRows);
@@ -89,7 +105,6 @@ void CReorderMat::MatlabWrite(CFile *pFile, CString sName) {
 
     std::string strOut;
     for (int i = 0; i < m_nRows; i++) {
-        strOut.clear();
         unsigned nRowPos = (unsigned)f_v(i) + 1;
         const LONG *pRow = m_ppRows[i];
         for (int j = 0; j < m_pRowSizes[i]; j++) {
@@ -97,8 +112,13 @@ void CReorderMat::MatlabWrite(CFile *pFile, CString sName) {
             AppendEntry(strOut, sName, nRowPos, (unsigned)f_v(u) + 1, (unsigned)u + 1);
         }
         AppendEntry(strOut, sName, nRowPos, nRowPos, (unsigned)i + 1);
-        pFile->Write(strOut.data(), (UINT)strOut.size());
+        if (strOut.size() >= 65536) {
+            pFile->Write(strOut.data(), (UINT)strOut.size());
+            strOut.clear();
+        }
     }
+    if (!strOut.empty())
+        pFile->Write(strOut.data(), (UINT)strOut.size());
 }
 
 void CReorderMat::WritePlotASCII(CFile *pFile) {

@@ -34,6 +34,7 @@ public:
             m_tree[p] = std::min(m_tree[2 * p], m_tree[2 * p + 1]);
     }
     int Min() const { return m_tree[1]; }
+    int Get(int i) const { return m_tree[i + m_nLeaves]; }
     // The first vertex whose value is at most nBound, or -1.
     int FirstAtMost(int nBound) const {
         if (m_tree[1] > nBound)
@@ -122,38 +123,26 @@ void CReorderMat::MinDegReorder2() {
     MatlabWrite(&file, "before");
     LONG nStart = AfxClock();
 
+    // The first unnumbered vertex of least current degree is a tree query; the scan with
+    // its lower bound would find the same vertex.
     int n = m_nRows;
-    int nBound = 0;   // never above the current smallest degree
-    int nCeiling = 0; // above every degree
+    CMinTree tree(n);
     for (int v = 0; v < n; v++) {
-        int d = m_pRowSizes[v];
-        m_pLabels[v] = -d;
-        if (v == 0 || d < nBound)
-            nBound = d;
-        if (d + 1 > nCeiling)
-            nCeiling = d + 1;
+        m_pLabels[v] = -m_pRowSizes[v];
+        tree.Set(v, m_pRowSizes[v]);
     }
     for (int k = 0; k < n; k++) {
-        // First unnumbered vertex of least current degree; the bound cuts the scan short.
-        int nLowest = nCeiling;
-        int b = -1;
-        for (int v = 0; v < n; v++) {
-            if (m_pLabels[v] > 0)
-                continue;
-            if (-m_pLabels[v] < nLowest) {
-                nLowest = -m_pLabels[v];
-                b = v;
-                if (nLowest == nBound)
-                    break;
-            }
-        }
+        int b = tree.FirstAtMost(tree.Min());
         const LONG *pRow = m_ppRows[b];
         for (int j = 0; j < m_pRowSizes[b]; j++) {
-            if (m_pLabels[pRow[j]] < 0)
-                m_pLabels[pRow[j]]++;
+            int u = pRow[j];
+            if (m_pLabels[u] < 0) {
+                m_pLabels[u]++;
+                tree.Set(u, -m_pLabels[u]);
+            }
         }
-        nBound = nLowest - 1 > 0 ? nLowest - 1 : 0;
         m_pLabels[b] = k + 1;
+        tree.Set(b, INT_MAX);
     }
     for (int v = 0; v < n; v++)
         m_pLabels[v]--;
@@ -167,6 +156,85 @@ void CReorderMat::MinDegReorder2() {
     AfxMessageBox(szText, 0, 0);
 }
 
+// Variant 3 scores vertex i at turn k with max(|hi - k|, |k - lo|) = max(A - k, k - B),
+// A and B being the larger and smaller of hi and lo. Vertices with A + B >= 2k score A - k
+// (the near family), the others k - B (the far family); as k grows a vertex only passes
+// from the first family to the second, unless its own A and B change, which happens only
+// to the neighbours of the vertex just numbered. Two minimum trees then give the first
+// vertex of least score without a scan.
+class CDistanceChoice {
+public:
+    CDistanceChoice(CReorderMat &g)
+        : m_g(g), m_n(g.m_nRows), m_near(m_n), m_far(m_n), m_pA(new int[m_n]), m_pB(new int[m_n]),
+          m_buckets(2 * m_n + 1), m_nNextKey(0) {}
+    ~CDistanceChoice() {
+        delete[] m_pA;
+        delete[] m_pB;
+    }
+    CDistanceChoice(const CDistanceChoice &) = delete;
+    CDistanceChoice &operator=(const CDistanceChoice &) = delete;
+
+    // Scores vertex i anew from its unnumbered neighbours, for the turn k.
+    void Update(int i, int k) {
+        int nHi = 0, nLo = m_n;
+        const LONG *pRow = m_g.m_ppRows[i];
+        for (int j = 0; j < m_g.m_pRowSizes[i]; j++) {
+            int u = pRow[j];
+            if (m_g.m_pLabels[u] < 0) {
+                nHi = std::max(nHi, u);
+                nLo = std::min(nLo, u);
+            }
+        }
+        m_pA[i] = std::max(nHi, nLo);
+        m_pB[i] = std::min(nHi, nLo);
+        int nKey = m_pA[i] + m_pB[i];
+        if (nKey >= 2 * k) {
+            m_near.Set(i, m_pA[i]);
+            m_far.Set(i, INT_MAX);
+            m_buckets[nKey].push_back(i);
+        } else {
+            m_near.Set(i, INT_MAX);
+            m_far.Set(i, -m_pB[i]);
+        }
+    }
+    void Remove(int i) {
+        m_near.Set(i, INT_MAX);
+        m_far.Set(i, INT_MAX);
+    }
+    // The first unnumbered vertex of least score at turn k.
+    int Choose(int k) {
+        // Vertices whose key fell below 2k pass to the far family (stale entries skipped).
+        for (; m_nNextKey < 2 * k && m_nNextKey < (int)m_buckets.size(); m_nNextKey++) {
+            for (int i : m_buckets[m_nNextKey]) {
+                if (m_near.Get(i) != INT_MAX && m_pA[i] + m_pB[i] == m_nNextKey) {
+                    m_near.Set(i, INT_MAX);
+                    m_far.Set(i, -m_pB[i]);
+                }
+            }
+            std::vector<int>().swap(m_buckets[m_nNextKey]);
+        }
+        long long nNear = m_near.Min() == INT_MAX ? LLONG_MAX : (long long)m_near.Min() - k;
+        long long nFar = m_far.Min() == INT_MAX ? LLONG_MAX : (long long)m_far.Min() + k;
+        long long nBest = std::min(nNear, nFar);
+        int b = INT_MAX;
+        if (nNear == nBest)
+            b = m_near.FirstAtMost((int)(nBest + k));
+        if (nFar == nBest)
+            b = std::min(b, m_far.FirstAtMost((int)(nBest - k)));
+        return b;
+    }
+
+private:
+    CReorderMat &m_g;
+    int m_n;
+    CMinTree m_near; // A of the near family
+    CMinTree m_far;  // -B of the far family
+    int *m_pA;
+    int *m_pB;
+    std::vector<std::vector<int>> m_buckets; // near-family vertices by A + B
+    int m_nNextKey;                          // keys below it have been passed on
+};
+
 void CReorderMat::MinDegReorder3() {
     CFile file;
     if (!OpenScript(file))
@@ -177,37 +245,25 @@ void CReorderMat::MinDegReorder3() {
     int n = m_nRows;
     for (int v = 0; v < n; v++)
         m_pLabels[v] = -m_pRowSizes[v];
+    CDistanceChoice choice(*this);
+    for (int v = 0; v < n; v++)
+        choice.Update(v, 0);
     for (int k = 0; k < n; k++) {
         // The vertex whose unnumbered neighbours' numbers lie least far from k.
-        int nBest = n + 2;
-        int b = -1;
-        for (int i = 0; i < n; i++) {
-            if (m_pLabels[i] > 0)
-                continue;
-            int nHi = 0;
-            int nLo = n;
-            const LONG *pRow = m_ppRows[i];
-            for (int j = 0; j < m_pRowSizes[i]; j++) {
-                int u = pRow[j];
-                if (m_pLabels[u] < 0) {
-                    if (u > nHi)
-                        nHi = u;
-                    if (u < nLo)
-                        nLo = u;
-                }
-            }
-            int nScore = std::max(std::abs(nHi - k), std::abs(k - nLo));
-            if (nScore < nBest) {
-                nBest = nScore;
-                b = i;
-            }
-        }
+        int b = choice.Choose(k);
         const LONG *pRow = m_ppRows[b];
         for (int j = 0; j < m_pRowSizes[b]; j++) {
             if (m_pLabels[pRow[j]] < 0)
                 m_pLabels[pRow[j]]++;
         }
         m_pLabels[b] = k + 1;
+        choice.Remove(b);
+        // b no longer counts for its neighbours.
+        for (int j = 0; j < m_pRowSizes[b]; j++) {
+            int u = pRow[j];
+            if (m_pLabels[u] <= 0)
+                choice.Update(u, k + 1);
+        }
     }
     for (int v = 0; v < n; v++)
         m_pLabels[v]--;

@@ -131,8 +131,8 @@ TEST(MinDegree, SmallGraphs) {
     }
 }
 
-// Variant 1 as described: every turn scans every vertex. The library's form finds the same
-// vertex without the scan.
+// Variants 1 to 3 as described: every turn scans the vertices. The library finds the same
+// vertex without the scan; these are the references it is checked against.
 static Longs ReferenceMinDeg1(const CReorderMat &g) {
     int n = g.m_nRows;
     Longs f(n);
@@ -160,12 +160,71 @@ static Longs ReferenceMinDeg1(const CReorderMat &g) {
     return f;
 }
 
-TEST(MinDegree, VariantOneAgreesWithTheFullScan) {
+static Longs ReferenceMinDeg2(const CReorderMat &g) {
+    int n = g.m_nRows;
+    Longs f(n);
+    int nBound = n, nCeiling = 0;
+    for (int v = 0; v < n; v++) {
+        f[v] = -g.m_pRowSizes[v];
+        nBound = std::min(nBound, (int)g.m_pRowSizes[v]);
+        nCeiling = std::max(nCeiling, g.m_pRowSizes[v] + 1);
+    }
+    for (int k = 0; k < n; k++) {
+        int nLowest = nCeiling, b = -1;
+        for (int v = 0; v < n && nLowest != nBound; v++) {
+            if (f[v] <= 0 && -f[v] < nLowest) {
+                nLowest = -f[v];
+                b = v;
+            }
+        }
+        for (LONG u : Row(g, b))
+            f[u] += f[u] < 0;
+        nBound = std::max(nLowest - 1, 0);
+        f[b] = k + 1;
+    }
+    for (LONG &l : f)
+        l--;
+    return f;
+}
+
+static Longs ReferenceMinDeg3(const CReorderMat &g) {
+    int n = g.m_nRows;
+    Longs f(n);
+    for (int v = 0; v < n; v++)
+        f[v] = -g.m_pRowSizes[v];
+    for (int k = 0; k < n; k++) {
+        int nBest = n + 2, b = -1;
+        for (int i = 0; i < n; i++) {
+            if (f[i] > 0)
+                continue;
+            int nHi = 0, nLo = n;
+            for (LONG u : Row(g, i)) {
+                if (f[u] < 0) {
+                    nHi = std::max(nHi, (int)u);
+                    nLo = std::min(nLo, (int)u);
+                }
+            }
+            int nScore = std::max(std::abs(nHi - k), std::abs(k - nLo));
+            if (nScore < nBest) {
+                nBest = nScore;
+                b = i;
+            }
+        }
+        for (LONG u : Row(g, b))
+            f[u] += f[u] < 0;
+        f[b] = k + 1;
+    }
+    for (LONG &l : f)
+        l--;
+    return f;
+}
+
+TEST(MinDegree, VariantsOneToThreeAgreeWithTheFullScans) {
     std::vector<std::pair<int, ElementList>> graphs;
     graphs.push_back({11 * 11, GridElements(10)});
-    // Random graphs of uneven degree, where the overwrite at vertex k decides turns.
+    // Random graphs of uneven degree, some with isolated vertices.
     std::mt19937 gen(7);
-    for (int nGraph = 0; nGraph < 20; nGraph++) {
+    for (int nGraph = 0; nGraph < 30; nGraph++) {
         int n = 5 + nGraph * 3;
         ElementList elements;
         for (int e = 0; e < n; e++) {
@@ -181,13 +240,18 @@ TEST(MinDegree, VariantOneAgreesWithTheFullScan) {
         if (LoadGraphFile(pszName, n, edges))
             graphs.push_back({n, edges});
     }
+    ScriptDir dir;
     ReportRecorder reports;
     for (size_t k = 0; k < graphs.size(); k++) {
+        SCOPED_TRACE(k);
         CReorderMat g(0);
         BuildGraph(g, graphs[k].first, graphs[k].second);
-        Longs expected = ReferenceMinDeg1(g);
         g.MinDegReorder(NULL);
-        EXPECT_EQ(Labels(g), expected) << "graph " << k;
+        EXPECT_EQ(Labels(g), ReferenceMinDeg1(g));
+        g.MinDegReorder2();
+        EXPECT_EQ(Labels(g), ReferenceMinDeg2(g));
+        g.MinDegReorder3();
+        EXPECT_EQ(Labels(g), ReferenceMinDeg3(g));
     }
 }
 
