@@ -1,22 +1,17 @@
-// CReorderMat: the four minimum-degree numberings.
+// CReorderMat: the three minimum-degree numberings without elimination.
 //
-// During a run of the first three an unnumbered vertex holds minus its degree in m_pLabels
-// (0 or negative) and a numbered one its label plus 1 (positive). MinDegReorder4 holds
-// -1 - old label for an unnumbered vertex and the label itself for a numbered one.
+// During a run an unnumbered vertex holds minus its degree in m_pLabels (0 or negative)
+// and a numbered one its label plus 1 (positive). Each turn's choice is defined by a scan
+// of all vertices; here it is found in log time, with the same result and tie-break.
+#include "reorder/reorder_report.h"
 #include "reorder/reordermat.h"
 
 #include <algorithm>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
-// The report of a minimum-degree numbering timed from nStart to nEnd.
-static void BuildReport(char (&szText)[128], LONG nStart, LONG nEnd) {
-    double dSeconds = (double)(nEnd - nStart) * 0.001;
-    snprintf(szText, sizeof(szText), "Used time reordering:   %s\r\n",
-             (const char *)CVirtMat::FormatTime(dSeconds));
-}
+namespace {
 
 // A value per vertex, with the smallest value and the first vertex at or below a bound
 // found in log time: a complete binary tree of minima over the vertices.
@@ -54,6 +49,8 @@ private:
 // an unnumbered neighbour (0 if none). The first vertex of least score is then the first
 // one with M_i at most max(min M, k), so the scan of all vertices becomes a tree query, and
 // a turn only recomputes M around the two vertices whose values it changed.
+} // namespace
+
 static int MaxCarriedDegree(CReorderMat &g, int i) {
     int nMax = 0;
     const LONG *pRow = g.m_ppRows[i];
@@ -63,6 +60,15 @@ static int MaxCarriedDegree(CReorderMat &g, int i) {
             nMax = -fu;
     }
     return nMax;
+}
+
+static void RescoreNeighbours(CReorderMat &g, CMinTree &tree, int w) {
+    const LONG *pRow = g.m_ppRows[w];
+    for (int j = 0; j < g.m_pRowSizes[w]; j++) {
+        int u = pRow[j];
+        if (g.f_v(u) <= 0)
+            tree.Set(u, MaxCarriedDegree(g, u));
+    }
 }
 
 void CReorderMat::MinDegReorder(CFile *pFile) {
@@ -87,17 +93,9 @@ void CReorderMat::MinDegReorder(CFile *pFile) {
 
         // Only the neighbours of b and of k see a changed value.
         tree.Set(b, INT_MAX);
-        for (int nSide = 0; nSide < 2; nSide++) {
-            int w = nSide == 0 ? b : k;
-            if (nSide == 1 && !bCarried)
-                break;
-            const LONG *pRow = m_ppRows[w];
-            for (int j = 0; j < m_pRowSizes[w]; j++) {
-                int u = pRow[j];
-                if (f_v(u) <= 0)
-                    tree.Set(u, MaxCarriedDegree(*this, u));
-            }
-        }
+        RescoreNeighbours(*this, tree, b);
+        if (bCarried)
+            RescoreNeighbours(*this, tree, k);
     }
     // The one vertex left takes the last label; then labels from 0.
     for (int v = 0; v < n; v++) {
@@ -108,7 +106,7 @@ void CReorderMat::MinDegReorder(CFile *pFile) {
 
     LONG nEnd = AfxClock();
     char szText[128];
-    BuildReport(szText, nStart, nEnd);
+    BuildReorderReport(szText, nStart, nEnd);
     if (pFile != NULL) {
         MatlabWrite(pFile, "after");
         WriteScriptTrailer(pFile, true);
@@ -152,7 +150,7 @@ void CReorderMat::MinDegReorder2() {
     WriteScriptTrailer(&file, true);
     file.Close();
     char szText[128];
-    BuildReport(szText, nStart, nEnd);
+    BuildReorderReport(szText, nStart, nEnd);
     AfxMessageBox(szText, 0, 0);
 }
 
@@ -162,17 +160,13 @@ void CReorderMat::MinDegReorder2() {
 // from the first family to the second, unless its own A and B change, which happens only
 // to the neighbours of the vertex just numbered. Two minimum trees then give the first
 // vertex of least score without a scan.
+namespace {
+
 class CDistanceChoice {
 public:
-    CDistanceChoice(CReorderMat &g)
-        : m_g(g), m_n(g.m_nRows), m_near(m_n), m_far(m_n), m_pA(new int[m_n]), m_pB(new int[m_n]),
+    explicit CDistanceChoice(CReorderMat &g)
+        : m_g(g), m_n(g.m_nRows), m_near(m_n), m_far(m_n), m_A(m_n), m_B(m_n),
           m_buckets(2 * m_n + 1), m_nNextKey(0) {}
-    ~CDistanceChoice() {
-        delete[] m_pA;
-        delete[] m_pB;
-    }
-    CDistanceChoice(const CDistanceChoice &) = delete;
-    CDistanceChoice &operator=(const CDistanceChoice &) = delete;
 
     // Scores vertex i anew from its unnumbered neighbours, for the turn k.
     void Update(int i, int k) {
@@ -185,16 +179,16 @@ public:
                 nLo = std::min(nLo, u);
             }
         }
-        m_pA[i] = std::max(nHi, nLo);
-        m_pB[i] = std::min(nHi, nLo);
-        int nKey = m_pA[i] + m_pB[i];
+        m_A[i] = std::max(nHi, nLo);
+        m_B[i] = std::min(nHi, nLo);
+        int nKey = m_A[i] + m_B[i];
         if (nKey >= 2 * k) {
-            m_near.Set(i, m_pA[i]);
+            m_near.Set(i, m_A[i]);
             m_far.Set(i, INT_MAX);
             m_buckets[nKey].push_back(i);
         } else {
             m_near.Set(i, INT_MAX);
-            m_far.Set(i, -m_pB[i]);
+            m_far.Set(i, -m_B[i]);
         }
     }
     void Remove(int i) {
@@ -206,9 +200,9 @@ public:
         // Vertices whose key fell below 2k pass to the far family (stale entries skipped).
         for (; m_nNextKey < 2 * k && m_nNextKey < (int)m_buckets.size(); m_nNextKey++) {
             for (int i : m_buckets[m_nNextKey]) {
-                if (m_near.Get(i) != INT_MAX && m_pA[i] + m_pB[i] == m_nNextKey) {
+                if (m_near.Get(i) != INT_MAX && m_A[i] + m_B[i] == m_nNextKey) {
                     m_near.Set(i, INT_MAX);
-                    m_far.Set(i, -m_pB[i]);
+                    m_far.Set(i, -m_B[i]);
                 }
             }
             std::vector<int>().swap(m_buckets[m_nNextKey]);
@@ -227,13 +221,15 @@ public:
 private:
     CReorderMat &m_g;
     int m_n;
-    CMinTree m_near; // A of the near family
-    CMinTree m_far;  // -B of the far family
-    int *m_pA;
-    int *m_pB;
+    CMinTree m_near;                         // A of the near family
+    CMinTree m_far;                          // -B of the far family
+    std::vector<int> m_A;                    // larger of hi and lo
+    std::vector<int> m_B;                    // smaller of hi and lo
     std::vector<std::vector<int>> m_buckets; // near-family vertices by A + B
     int m_nNextKey;                          // keys below it have been passed on
 };
+
+} // namespace
 
 void CReorderMat::MinDegReorder3() {
     CFile file;
@@ -273,139 +269,6 @@ void CReorderMat::MinDegReorder3() {
     WriteScriptTrailer(&file, true);
     file.Close();
     char szText[128];
-    BuildReport(szText, nStart, nEnd);
+    BuildReorderReport(szText, nStart, nEnd);
     AfxMessageBox(szText, 0, 0);
-}
-
-void CReorderMat::MinDegReorder4() {
-    int n = m_nRows;
-    // The eliminations destroy the rows: keep an exact copy to restore them from.
-    CArrayArray<LONG> saved;
-    saved.Alloc(n);
-    for (int i = 0; i < n; i++) {
-        int nSize = m_pRowSizes[i];
-        saved.SetRowSize(i, nSize);
-        for (int j = 0; j < nSize; j++)
-            saved.m_ppRows[i][j] = m_ppRows[i][j];
-    }
-
-    CFile file;
-    if (!OpenScript(file))
-        return;
-    MatlabWrite(&file, "before");
-    LONG nStart = AfxClock();
-
-    for (int v = 0; v < n; v++)
-        m_pLabels[v] = -1 - m_pLabels[v];
-    int k = 0;
-    while (k < n) {
-        // Least current degree, and the gap to the next smallest (n counting as a value).
-        int nMin = n;
-        int nGap = 0;
-        int nChoice = -1;
-        for (int v = 0; v < n; v++) {
-            if (m_pLabels[v] >= 0)
-                continue;
-            int d = m_pRowSizes[v];
-            if (d < nMin) {
-                nGap = nMin - d;
-                nMin = d;
-                nChoice = v;
-            } else if (nGap >= d - nMin) {
-                nGap = d - nMin;
-            }
-        }
-        if (nChoice < 0)
-            break; // only a vertex listed as its own neighbour can get here
-        SetLabels(nChoice, k, nGap);
-        k++;
-    }
-    Copy(saved);
-
-    LONG nEnd = AfxClock();
-    MatlabWrite(&file, "after");
-    WriteScriptTrailer(&file, true);
-    file.Close();
-    char szText[128];
-    BuildReport(szText, nStart, nEnd);
-    AfxMessageBox(szText, 0, 0);
-}
-
-int CReorderMat::SetLabels(int nVertex, int &nLabel, int nGap) {
-    // A loop in place of the chain's recursion: its length can reach the vertex count.
-    for (;;) {
-        m_pLabels[nVertex] = nLabel;
-        int t = m_pRowSizes[nVertex] + nGap + 1;
-        int nNext = -1;
-        // Eliminate: the unnumbered neighbours become each other's neighbours.
-        const LONG *pRow = m_ppRows[nVertex];
-        for (int j = 0; j < m_pRowSizes[nVertex]; j++) {
-            int u = pRow[j];
-            if (f_v(u) >= 0)
-                continue;
-            int d = UnionAdj_Ex_p_i(u, nVertex);
-            if (d < t) {
-                t = d;
-                nNext = u;
-            }
-        }
-        if (nNext < 0)
-            return t;
-        nLabel++;
-        nVertex = nNext;
-    }
-}
-
-int CReorderMat::UnionAdj_Ex_p_i(int i, int p) {
-    LONG *pOld = m_ppRows[i];
-    int nOld = m_pRowSizes[i];
-    const LONG *pP = m_ppRows[p];
-    int nP = m_pRowSizes[p];
-
-    // Membership in the old row i is marked on the counts of its entries, complemented
-    // (so negative) until the union is made: a linear union without scratch storage.
-    for (int j = 0; j < nOld; j++) {
-        int &nSize = m_pRowSizes[pOld[j]];
-        if (nSize >= 0)
-            nSize = ~nSize;
-    }
-
-    // Count: the old row less p, plus the new entries of row p.
-    int c = 0;
-    for (int j = 0; j < nOld; j++) {
-        if (pOld[j] != p)
-            c++;
-    }
-    for (int j = 0; j < nP; j++) {
-        LONG x = pP[j];
-        if (x != i && m_pRowSizes[x] >= 0)
-            c++;
-    }
-
-    // Fill: the old row in its order without p, then row p's new entries in theirs.
-    LONG *pNew = NULL;
-    if (c > 0) {
-        pNew = new LONG[c];
-        int m = 0;
-        for (int j = 0; j < nOld; j++) {
-            if (pOld[j] != p)
-                pNew[m++] = pOld[j];
-        }
-        for (int j = 0; j < nP; j++) {
-            LONG x = pP[j];
-            if (x != i && m_pRowSizes[x] >= 0)
-                pNew[m++] = x;
-        }
-    }
-
-    // Unmark before the count of i changes (i may stand in its own row).
-    for (int j = 0; j < nOld; j++) {
-        int &nSize = m_pRowSizes[pOld[j]];
-        if (nSize < 0)
-            nSize = ~nSize;
-    }
-    delete[] pOld;
-    m_ppRows[i] = pNew;
-    m_pRowSizes[i] = c;
-    return c;
 }

@@ -286,22 +286,6 @@ TEST(MinDegree, PermutationsOnMeshGraphs) {
     }
 }
 
-TEST(MinDegree, VariantFourOnAGridRestoresTheAdjacency) {
-    ScriptDir dir;
-    ReportRecorder reports;
-    const int n = 10;
-    CReorderMat g(0);
-    BuildGraph(g, (n + 1) * (n + 1), GridElements(n));
-    std::vector<Longs> rows;
-    for (int i = 0; i < g.m_nRows; i++)
-        rows.push_back(Row(g, i));
-    g.MinDegReorder4();
-    EXPECT_TRUE(IsPermutation(g));
-    for (int i = 0; i < g.m_nRows; i++)
-        ASSERT_EQ(Row(g, i), rows[i]);
-    EXPECT_TRUE(g.Check());
-}
-
 TEST(MinDegree, LongChainNeedsNoStack) {
     // On a path the first chain runs through every vertex.
     ScriptDir dir;
