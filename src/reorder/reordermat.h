@@ -18,6 +18,13 @@
 // - Both constructors set m_pZ to NULL and m_nZ to 0, so that nothing reads an undefined
 //   value; the protected one still leaves m_nMode to the derived class.
 // - The chain of SetLabels is a loop, so a chain as long as the graph costs no stack.
+// - MinDegReorder, MinDegReorder2 and MinDegReorder3 find each turn's vertex (the first of
+//   least score in vertex order) with minimum trees instead of scanning all vertices;
+//   labels are the same, the cost near E log n instead of n squared.
+// - UnionAdj_Ex_p_i marks the old row's vertices on their counts (complemented for the
+//   moment of the union) so that the union is linear; counts are whole again on return.
+// - TabuReorder, TabuReorder2, GetClosestToMid, NumMovables, IsCandidate, mid, InitTabu,
+//   WFun and the Hager operations hold their places; their bodies come later.
 #pragma once
 
 #include "reorder/arrayarray.h"
