@@ -20,7 +20,8 @@
 // - The chain of SetLabels is a loop, so a chain as long as the graph costs no stack.
 // - MinDegReorder, MinDegReorder2 and MinDegReorder3 find each turn's vertex (the first of
 //   least score in vertex order) with minimum trees instead of scanning all vertices;
-//   labels are the same, the cost near E log n instead of n squared.
+//   labels are the same, and a turn costs the neighbourhood of the numbered vertex (and a
+//   log n query) instead of a pass over the whole graph.
 // - UnionAdj_Ex_p_i marks the old row's vertices on their counts (complemented for the
 //   moment of the union) so that the union is linear; counts are whole again on return.
 // - TabuReorder, TabuReorder2, GetClosestToMid, NumMovables, IsCandidate, mid, InitTabu,
