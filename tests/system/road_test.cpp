@@ -1,6 +1,6 @@
 // The road as a host walks it: graph, numbering, PostReorder, pattern, assembly, prescribed
 // values, solve, and a second load over the same pattern; checked against a dense solve.
-#include "road_mesh.h"
+#include "common/mesh.h"
 #include "system_test_util.h"
 
 #include "dense/matrix.h"
