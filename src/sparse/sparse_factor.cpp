@@ -56,10 +56,9 @@ int CSparseMatrix::LU() {
     // Entry t: the first cell of row t that elimination has not passed yet. Its column and
     // its row are mirrored in flat arrays, so that the look at every later row per pivot
     // reads contiguous memory instead of chasing rows and cells.
-    int nSize = n > 0 ? n : 1;
-    cell **pEntry = new cell *[nSize];
-    LONG *pEntryCol = new LONG[nSize];
-    row **pRowAt = new row *[nSize];
+    cell **pEntry = new cell *[n];
+    LONG *pEntryCol = new LONG[n];
+    row **pRowAt = new row *[n];
     int t = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, t++) {
         pRowAt[t] = r;

@@ -24,6 +24,17 @@ inline CSparseMatrix::row *NewRow(int nRow, CSparseMatrix::row *pNext) {
     return p;
 }
 
+// Frees the leading cells of r that stand left of its diagonal.
+inline void FreeCellsLeftOfDiagonal(CSparseMatrix::row *r) {
+    CSparseMatrix::cell *p = r->m_pFirstCell;
+    while (p != NULL && p->m_nCol < r->m_nRow) {
+        CSparseMatrix::cell *pNext = p->m_pNext;
+        delete p;
+        p = pNext;
+    }
+    r->m_pFirstCell = p;
+}
+
 // Elapsed ticks since nStart; a difference of two signed 32-bit clock readings.
 inline double TicksSince(LONG nStart) {
     return (double)(LONG)((ULONG)AfxClock() - (ULONG)nStart);

@@ -53,23 +53,8 @@ void CSparseMatrix::row::Clear() {
 
 // Sums dValue into column nCol; a missing cell is made in its sorted place.
 void CSparseMatrix::row::Add(int nCol, double dValue) {
-    if (m_pFirstCell == NULL || m_pFirstCell->m_nCol > nCol) {
-        m_pFirstCell = NewCell(m_pFirstCell, dValue, nCol);
-        return;
-    }
-    cell *p = m_pFirstCell;
-    for (;;) {
-        if (p->m_nCol == nCol) {
-            p->m_dValue += dValue;
-            return;
-        }
-        cell *pNext = p->m_pNext;
-        if (pNext == NULL || pNext->m_nCol > nCol) {
-            p->m_pNext = NewCell(pNext, dValue, nCol);
-            return;
-        }
-        p = pNext;
-    }
+    cell *pFromHead = NULL;
+    Add(nCol, dValue, pFromHead);
 }
 
 // Resizes to exactly nCells cells in columns nFirstCol.., all dValue, reusing cells.
@@ -340,24 +325,14 @@ bool CSparseMatrix::IsLower(double *pTime) {
 // CSparseMatrix: list edits
 
 // Frees the leading cells of each row that stand left of the diagonal.
-void CSparseMatrix::TrimLeftOfDiagonal() {
-    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext) {
-        cell *p = r->m_pFirstCell;
-        while (p != NULL && p->m_nCol < r->m_nRow) {
-            cell *pNext = p->m_pNext;
-            delete p;
-            p = pNext;
-        }
-        r->m_pFirstCell = p;
-    }
-}
-
 void CSparseMatrix::MakeUpper() {
-    TrimLeftOfDiagonal();
+    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
+        FreeCellsLeftOfDiagonal(r);
 }
 
+// One body with MakeUpper, which a derived class's override of MakeUpper does not change.
 void CSparseMatrix::MakeLower() {
-    TrimLeftOfDiagonal();
+    CSparseMatrix::MakeUpper();
 }
 
 void CSparseMatrix::ReverseRows() {

@@ -26,11 +26,9 @@ void CSparseMatrix::UnifyRow(int nRow, double dValue, CVirtMat *pB) {
             bRow[k] = dValue;
     }
 
-    if (m_pFirstRow == NULL || m_pFirstRow->m_nRow > nRow) {
-        // the row goes in at the head; on an empty matrix that is all there is to do
+    // in front of the first row, or on an empty matrix, the row goes in at the head
+    if (m_pFirstRow == NULL || m_pFirstRow->m_nRow > nRow)
         m_pFirstRow = NewRow(nRow, m_pFirstRow);
-        m_pFirstRow->m_pFirstCell = NewCell(NULL, 1.0, nRow);
-    }
 
     row *pPrev = NULL;
     for (row *r = m_pFirstRow; r != NULL; pPrev = r, r = r->m_pNext) {

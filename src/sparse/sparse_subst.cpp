@@ -39,8 +39,8 @@ void CSparseMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
         // The columns are mirrored in a flat array so that the scan of the earlier rows
         // reads contiguous memory instead of chasing cells.
         int n = GetRows();
-        cell **pEntry = new cell *[n > 0 ? n : 1];
-        LONG *pEntryCol = new LONG[n > 0 ? n : 1];
+        cell **pEntry = new cell *[n];
+        LONG *pEntryCol = new LONG[n];
         int p = 0;
         for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, p++) {
             double *br = pData + (size_t)r->m_nRow * nc;
@@ -154,14 +154,8 @@ double CSparseMatrix::Mirror(double dFactor) {
     row **ppLink = &m_pFirstRow;
     while (*ppLink != NULL) {
         row *r = *ppLink;
-        cell *c = r->m_pFirstCell;
-        while (c != NULL && c->m_nCol < r->m_nRow) {
-            cell *pNext = c->m_pNext;
-            delete c;
-            c = pNext;
-        }
-        r->m_pFirstCell = c;
-        if (c == NULL) {
+        FreeCellsLeftOfDiagonal(r);
+        if (r->m_pFirstCell == NULL) {
             *ppLink = r->m_pNext;
             delete r;
         } else {
@@ -171,7 +165,7 @@ double CSparseMatrix::Mirror(double dFactor) {
     }
 
     // last row first, so each new cell lands in front of its target row
-    row **pRows = new row *[nRowCount > 0 ? nRowCount : 1];
+    row **pRows = new row *[nRowCount];
     int i = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
         pRows[i++] = r;

@@ -22,7 +22,12 @@
 // - Cholesky yields -1 for a row without any cell, as for a misplaced first cell, and for
 //   an off-diagonal cell whose column has no row of its own (a non-square list).
 // - LU treats a diagonal with nothing behind it like any other: the cells below it are
-//   still scaled and passed, so a lower triangular matrix factorises.
+//   still scaled and passed, so a lower triangular matrix factorises. This holds for
+//   every LU of the library.
+// - A row without the cell a substitution reads as its diagonal is passed over: ForwSub 2
+//   and -2 leave out its division, BackwSub leaves its right-hand sides as they are.
+// - Right-hand sides are read and written through their array, not through CMatrix's
+//   virtual accessors.
 // - UnifyAndZero(nRow) with nRow in front of the first row makes row nRow the new head.
 // - Allocate with a negative row count empties the matrix, as a count of 0 does.
 // - AddValues expects distinct indices; a repeat sums the entry found last once more.
@@ -169,7 +174,6 @@ public:
     row *m_pFirstRow;
 
 private:
-    void TrimLeftOfDiagonal();
     row *FindOrMakeRow(int nRow, row *pStart);
     void UnifyRow(int nRow, double dValue, CVirtMat *pB);
 };
