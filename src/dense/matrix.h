@@ -38,8 +38,7 @@ public:
     // nRows times nCols elements; a column count of 0 makes an empty matrix of 0 rows.
     CMatrix(int nRows, int nCols, bool bInit = false, double dValue = 0.0);
     // A copy, or with bTranspose the transposed copy.
-    CMatrix(CMatrix &other, bool bTranspose = false);
-    CMatrix(const CMatrix &other);
+    CMatrix(const CMatrix &other, bool bTranspose = false);
     ~CMatrix() override;
 
     // --- overrides of the frame and of CVector ---
@@ -139,7 +138,7 @@ public:
     bool IsAllocated() const { return m_pVector != NULL; }
 
     // --- storage ---
-    CMatrix &operator=(CMatrix &other);
+    // Sizes itself through the table, then copies the elements.
     CMatrix &operator=(const CMatrix &other);
     // Adopts the array (new[]), which is the object's from now on.
     void SetVector(double *pValues, int nRows, int nCols);
@@ -164,19 +163,6 @@ public:
     static void LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB);
     void Eig(bool, CMatrix &, CVector &) {}
 
-    // --- products ---
-    CMatrix &operator*=(CMatrix &B);
-    void PostMult(CMatrix &B);
-    void PostPreMult(CMatrix &Q, int);
-    static void vectAvectBT(CMatrix &M, CVector &a, CVector &b, double &dFactor, bool bReverse);
-    void Sparse(CSparseMatrix *&pS);
-    void UnSparse(CSparseMatrix *pS);
-
-    // --- chain multiplication ---
-    static double ChainMult(bool bOptimal, int nCount, CMatrix *pFirst, ...);
-    static double MatrixChainOrder(CMatrix *pSplit, CVector *pDims);
-    static void ChainMultRec(CMatrix **ppChain, CMatrix *pSplit, int i, int j);
-
     // --- norms and extremes ---
     // Topmost greatest element of column j.
     double &MaxInCol(int j);
@@ -191,21 +177,6 @@ public:
                     bool bCols);
     void GetMaxMin3(double (*pFunc)(double *), double &dMax, double &dMin, int n1, int n2, int n3,
                     bool bCols);
-
-    // --- test matrix generators ---
-    void RandMat(int nRows, int nCols, double dMax, double dMin, int nForm);
-    void LMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
-    void UMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
-    void SetVals(int n, double dValue, bool bAdd, bool bRow);
-    void WellCond(int nRows, int nCols, double dSpread);
-    void Dev();
-
-    // --- rotations ---
-    void RotMat(double dAngle1, double dAngle2);
-    static void RotMat2D(CMatrix &R, double dAngle, bool bTransposed);
-
-    // --- console output ---
-    void Stream();
 
     int m_nRows;
 };

@@ -11,27 +11,23 @@ CMatrix::CMatrix(int nRows, int nCols, bool bInit, double dValue)
     : CVector(nRows * nCols, bInit, dValue), m_nRows(nCols == 0 ? 0 : nRows) {}
 
 // A copy of other, or with bTranspose its transpose.
-CMatrix::CMatrix(CMatrix &other, bool bTranspose) : CVector(), m_nRows(other.m_nRows) {
-    int nSize = other.m_nSize;
-    if (nSize > 0) {
-        m_nSize = nSize;
-        m_pVector = new double[nSize];
-    }
+CMatrix::CMatrix(const CMatrix &other, bool bTranspose) : CVector() {
+    int nOtherRows = other.m_nRows;
+    int nOtherCols = nOtherRows == 0 ? 0 : other.m_nSize / nOtherRows;
+    m_nRows = bTranspose ? nOtherCols : nOtherRows;
+    if (other.m_nSize <= 0)
+        return;
+    m_nSize = other.m_nSize;
+    m_pVector = new double[m_nSize];
     if (!bTranspose) {
-        if (nSize > 0)
-            memcpy(m_pVector, other.m_pVector, sizeof(double) * nSize);
+        memcpy(m_pVector, other.m_pVector, sizeof(double) * m_nSize);
         return;
     }
     // (i, j) of the new matrix is (j, i) of other.
-    int nOtherRows = other.m_nRows;
-    int nOtherCols = other.GetColumns();
-    m_nRows = nOtherCols;
     for (int i = 0; i < nOtherCols; i++)
         for (int j = 0; j < nOtherRows; j++)
             m_pVector[i * nOtherRows + j] = other.m_pVector[j * nOtherCols + i];
 }
-
-CMatrix::CMatrix(const CMatrix &other) : CVector(other), m_nRows(other.m_nRows) {}
 
 CMatrix::~CMatrix() {}
 
@@ -89,23 +85,18 @@ void CMatrix::AddValue(int i, int j, double dValue) {
     m_pVector[i * (m_nSize / m_nRows) + j] += dValue;
 }
 
-CMatrix &CMatrix::operator=(CMatrix &other) {
+CMatrix &CMatrix::operator=(const CMatrix &other) {
     if (this == &other)
         return *this;
-    Allocate(other.m_nRows, other.GetColumns(), false, 0.0);
+    int nCols = other.m_nRows == 0 ? 0 : other.m_nSize / other.m_nRows;
+    Allocate(other.m_nRows, nCols, false, 0.0);
     if (m_nSize > 0)
         memcpy(m_pVector, other.m_pVector, sizeof(double) * m_nSize);
     return *this;
 }
 
-CMatrix &CMatrix::operator=(const CMatrix &other) {
-    return *this = const_cast<CMatrix &>(other);
-}
-
 CVirtRealMat &CMatrix::operator=(double dValue) {
-    for (int i = 0; i < m_nSize; i++)
-        m_pVector[i] = dValue;
-    return *this;
+    return CVector::operator=(dValue);
 }
 
 void CMatrix::SetVector(double *pValues, int nRows, int nCols) {

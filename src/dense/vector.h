@@ -2,6 +2,11 @@
 // vector with a row count). Right-hand sides, solutions and work vectors of every solver
 // are CVectors. Arithmetic tolerates unequal sizes: additions grow the target to the
 // longer operand, inner products stop at the shorter. No index is ever tested.
+//
+// Choices made here:
+// - The constructor's bInit and dValue default to false and 0.0; all library calls pass them.
+// - Max, Min and operator[] on an empty vector have no element: the caller must not ask.
+// - Copies (copy constructor, operator=) take a const source.
 #pragma once
 
 #include "frame/virtmat.h"
@@ -65,7 +70,7 @@ public:
     double &operator[](int i) { return m_pVector[i]; }
 
     // --- storage ---
-    CVector &operator=(CVector &other);
+    // Takes the other's size and contents; an equal size keeps the array.
     CVector &operator=(const CVector &other);
     // Adopts the array, which is now the object's.
     void SetVector(int nSize, double *pValues);

@@ -16,8 +16,7 @@ CVector &CVector::operator/=(double dValue) {
 }
 
 void CVector::Scale(double dValue) {
-    for (int i = 0; i < m_nSize; i++)
-        m_pVector[i] *= dValue;
+    *this *= dValue;
 }
 
 void CVector::Scale(CVector *pOther) {

@@ -70,10 +70,6 @@ CVector &CVector::operator=(const CVector &other) {
     return *this;
 }
 
-CVector &CVector::operator=(CVector &other) {
-    return *this = (const CVector &)other;
-}
-
 void CVector::SetVector(int nSize, double *pValues) {
     delete[] m_pVector;
     m_pVector = pValues;
@@ -122,8 +118,7 @@ void CVector::Initialize(double dValue) {
 }
 
 CVirtRealMat &CVector::operator=(double dValue) {
-    for (int i = 0; i < m_nSize; i++)
-        m_pVector[i] = dValue;
+    CVector::Initialize(dValue);
     return *this;
 }
 
