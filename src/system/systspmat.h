@@ -22,19 +22,19 @@
 //
 // Every Add form drops a value of exactly 0.0. Row numbers are trusted to be in range.
 //
-// Choices where the description leaves room:
+// Behaviour at the edges, chosen here:
 // - Clear is overridden to empty the matrix as Allocate with 0 rows does, since the base's
 //   Clear deletes rows singly. AAT, and Mirror on a row it would leave without cells, still
 //   delete single rows and are not operations of a system matrix.
-// - SymUnifyAndZero follows its steps as written: step 2 corrects only B[row] of the rows
-//   that lose a cell, so the prescribed rows of B keep the values step 1 stored. With
-//   non-zero values the result is still not a full elimination (the cells of a prescribed
-//   row right of its diagonal are discarded in step 1 without correcting anything).
+// - SymUnifyAndZero with non-zero values is not a full elimination, and is kept so: a
+//   prescribed row first becomes the identity, dropping its cells right of the diagonal
+//   without correcting the later rows; then only the rows that lose a cell of a prescribed
+//   column are corrected, so the prescribed rows of pB keep their prescribed values.
 // - SymHandleBCs leaves the rows of mRHS at the prescribed numbers as pass 1 left them
 //   (old value less the diagonal term); a caller that wants the prescribed values there
 //   writes them itself.
-// - LU, like the list form, eliminates nothing below a diagonal that has no cell behind
-//   it, so a later row with a cell in that column fails at its own turn.
+// - LU, like the list form, treats a diagonal with nothing behind it like any other: the
+//   cells below it are still scaled and passed, so a lower triangular matrix factorises.
 // - GaussSeidel_Iter with nMaxIter <= 0 runs no sweep, yields -1 and reports nMaxIter as
 //   its (unsigned) iteration count. With vF of size 0 it sweeps over no rows (the symmetric
 //   path never reaches for a last row) and converges at once on a change of 0.0.

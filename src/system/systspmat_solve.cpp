@@ -31,10 +31,16 @@ int CSystSpMat::Cholesky() {
 // A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
 // diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
 int CSystSpMat::LU() {
-    // Entry t stands on the first cell of row t that elimination has not passed yet.
-    cell **pEntry = new cell *[m_nTableRows > 0 ? m_nTableRows : 1];
-    for (int t = 0; t < m_nTableRows; t++)
+    // Entry t stands on the first cell of row t that elimination has not passed yet; its
+    // column is mirrored in a flat array, so the look at every later row per pivot reads
+    // contiguous memory. The table rows are the list rows, in the same order.
+    const int n = m_nTableRows;
+    cell **pEntry = new cell *[n > 0 ? n : 1];
+    LONG *pEntryCol = new LONG[n > 0 ? n : 1];
+    for (int t = 0; t < n; t++) {
         pEntry[t] = m_pRowTable[t].m_pFirstCell;
+        pEntryCol[t] = pEntry[t] != NULL ? pEntry[t]->m_nCol : -1;
+    }
 
     int nResult = 1;
     int k = 0;
@@ -44,26 +50,24 @@ int CSystSpMat::LU() {
             nResult = -1;
             break;
         }
-        // A diagonal with nothing behind it eliminates nothing: later rows with a cell in
-        // this column then fail at their own turn.
-        if (p->m_pNext == NULL)
-            continue;
-        for (row *t = r->m_pNext; t != NULL; t = t->m_pNext) {
-            cell *e = pEntry[t->m_nRow];
-            if (e == NULL || e->m_nCol != k)
+        // A diagonal with nothing behind it still scales and passes the cells below it.
+        for (int t = k + 1; t < n; t++) {
+            if (pEntryCol[t] != k)
                 continue;
-            if (e->m_dValue == 0.0) {
-                pEntry[t->m_nRow] = e->m_pNext;
-                continue;
+            cell *e = pEntry[t];
+            if (e->m_dValue != 0.0) {
+                double l = e->m_dValue / p->m_dValue;
+                e->m_dValue = l;
+                cell *pCursor = e;
+                for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                    m_pRowTable[t].Add(b->m_nCol, -(b->m_dValue * l), pCursor);
             }
-            double l = e->m_dValue / p->m_dValue;
-            e->m_dValue = l;
-            cell *pCursor = e;
-            for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
-                t->Add(b->m_nCol, -(b->m_dValue * l), pCursor);
-            pEntry[t->m_nRow] = e->m_pNext;
+            // Behind e; that may be a cell just created.
+            pEntry[t] = e->m_pNext;
+            pEntryCol[t] = e->m_pNext != NULL ? e->m_pNext->m_nCol : -1;
         }
     }
+    delete[] pEntryCol;
     delete[] pEntry;
     return nResult;
 }

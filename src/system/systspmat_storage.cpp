@@ -42,8 +42,9 @@ void CSystSpMat::FixPointers() {
         m_pRowTable[m_nTableRows - 1].m_pNext = NULL;
 }
 
+// One body with GetRows, which a derived class's override of GetRows does not change.
 int CSystSpMat::GetColumns() {
-    return m_nTableRows;
+    return CSystSpMat::GetRows();
 }
 
 int CSystSpMat::GetRows() {

@@ -1,138 +1,75 @@
 // CSystSpMat: prescribed values on full and on upper storage.
 #include "system_test_util.h"
 
-#include "dense/matrix.h"
-
-typedef std::vector<Cell> Cells_t;
-
-// {{2, -1}, {-1, 2}} in full storage, or its upper triangle.
-static void Fill2(CSystSpMat &m, bool bFull) {
-    m.Add(0, 0, 2.0);
-    m.Add(0, 1, -1.0);
-    if (bFull)
-        m.Add(1, 0, -1.0);
-    m.Add(1, 1, 2.0);
-}
-
-static std::vector<double> Column(CMatrix &B, int k) {
-    std::vector<double> v;
-    for (int i = 0; i < B.GetRows(); i++)
-        v.push_back(B[i][k]);
-    return v;
-}
+// {{2, -1}, {-1, 2}}: both triangles, or the upper one.
+static const std::vector<double> s_Full = {2, -1, -1, 2}, s_Upper = {2, -1, 0, 2};
 
 TEST(CSystSpMatBCs, UnifyAndZero2EliminatesTheColumnInFullStorage) {
-    CSystSpMat m(2);
-    Fill2(m, true);
-    CVector dofs(1, true, 1.0), values(1, true, 3.0);
-    CMatrix B(2, 2, true, 1.0); // two right-hand sides, the same prescribed value
-    m.UnifyAndZero2(dofs, values, &B);
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 2.0}, {1, 1, 1.0}}));
-    EXPECT_EQ(Column(B, 0), (std::vector<double>{4.0, 3.0}));
+    CSystSpMat m(2), t(2), e(2);
+    Fill(m, 2, s_Full);
+    Fill(t, 2, s_Full);
+    CVector one = Vec({1.0}), three = Vec({3.0}), twice = Vec({1.0, 1.0}), later = Vec({3, 5});
+    CMatrix B(2, 2, true, 1.0), C(2, 1, true, 1.0); // B's two columns get the same value
+    m.UnifyAndZero2(one, three, &B);
+    EXPECT_EQ(Dump(m), "(0,0)2 (1,1)1");
     EXPECT_EQ(Column(B, 1), (std::vector<double>{4.0, 3.0}));
-    double dTime;
     ReportRecorder reports;
+    double dTime;
     EXPECT_EQ(m.LU_Solve(&B, dTime), 1);
     EXPECT_EQ(Column(B, 0), (std::vector<double>{2.0, 3.0}));
-
     // A number given twice: the row ends the same, with the later value in B.
-    CSystSpMat t(2);
-    Fill2(t, true);
-    CVector twice(2, true, 1.0), vals(2);
-    vals[0] = 3.0;
-    vals[1] = 5.0;
-    CMatrix C(2, 1, true, 1.0);
-    t.UnifyAndZero2(twice, vals, &C);
-    EXPECT_EQ(Cells(t), (Cells_t{{0, 0, 2.0}, {1, 1, 1.0}}));
+    t.UnifyAndZero2(twice, later, &C);
+    EXPECT_EQ(Dump(t), "(0,0)2 (1,1)1");
     EXPECT_EQ(Column(C, 0), (std::vector<double>{4.0, 5.0}));
-}
-
-TEST(CSystSpMatBCs, SymUnifyAndZeroWithZeroValues) {
-    CSystSpMat m(2);
-    Fill2(m, false);
-    CVector dofs(1, true, 1.0), values(1, true, 0.0);
-    CMatrix B(2, 1);
-    B[0][0] = 7.0;
-    B[1][0] = 9.0;
-    m.SymUnifyAndZero(dofs, values, &B);
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 2.0}, {1, 1, 1.0}}));
-    EXPECT_EQ(Column(B, 0), (std::vector<double>{7.0, 0.0}));
-}
-
-TEST(CSystSpMatBCs, SymUnifyAndZeroWithAValueCorrectsOnlyTheRowsBelowIt) {
-    // Upper storage of a 3 by 3 chain; prescribing row 1 to 2.0 corrects row 0 by its cell
-    // (0,1), while (1,2) goes with row 1 in step 1 and row 2 gets nothing.
-    CSystSpMat m(3);
-    m.Add(0, 0, 4.0);
-    m.Add(0, 1, -1.0);
-    m.Add(1, 1, 4.0);
-    m.Add(1, 2, -1.0);
-    m.Add(2, 2, 4.0);
-    CVector dofs(1, true, 1.9), values(1, true, 2.0); // the number is truncated
-    CMatrix B(3, 1, true, 1.0);
-    m.SymUnifyAndZero(dofs, values, &B);
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 4.0}, {1, 1, 1.0}, {2, 2, 4.0}}));
-    EXPECT_EQ(Column(B, 0), (std::vector<double>{3.0, 2.0, 1.0}));
-}
-
-TEST(CSystSpMatBCs, PrescribedRowWithoutCellsGetsAFreshOne) {
-    CSystSpMat m(3);
-    m.Add(0, 0, 1.0);
-    m.Add(0, 2, 1.0);
-    CVector dofs(1, true, 2.0), values(1, true, 0.0);
-    CMatrix B(3, 1, true, 1.0);
-    m.SymUnifyAndZero(dofs, values, &B);
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 1.0}, {2, 2, 1.0}}));
-    CSystSpMat f(2);
-    CMatrix C(2, 1, true, 1.0);
-    CVector one(1, true, 0.0), val(1, true, 4.0);
-    f.UnifyAndZero2(one, val, &C);
-    EXPECT_EQ(Cells(f), (Cells_t{{0, 0, 1.0}}));
-    EXPECT_EQ(Column(C, 0), (std::vector<double>{4.0, 1.0}));
-
-    // No prescribed numbers: nothing changes.
+    // An empty row gets a fresh cell; no numbers change nothing.
     CVector none;
-    f.UnifyAndZero2(none, none, &C);
-    f.SymUnifyAndZero(none, none, &C);
-    EXPECT_EQ(Cells(f), (Cells_t{{0, 0, 1.0}}));
-    EXPECT_EQ(Column(C, 0), (std::vector<double>{4.0, 1.0}));
+    e.UnifyAndZero2(one, three, &C);
+    e.UnifyAndZero2(none, none, &C);
+    e.SymUnifyAndZero(none, none, &C);
+    EXPECT_EQ(Dump(e), "(1,1)1");
+    EXPECT_EQ(Column(C, 0), (std::vector<double>{4.0, 3.0}));
+}
+
+TEST(CSystSpMatBCs, SymUnifyAndZeroKeepsThePrescribedValues) {
+    // A zero value: row 1 becomes the identity, (0,1) goes, B[1] is 0 and B[0] stays.
+    CSystSpMat m(2), c(3), e(2);
+    Fill(m, 2, s_Upper);
+    CVector one = Vec({1.0}), zero = Vec({0.0}), truncated = Vec({1.9}), two = Vec({2.0});
+    CMatrix B(2, 1, true, 7.0), C(3, 1, true, 1.0);
+    m.SymUnifyAndZero(one, zero, &B);
+    EXPECT_EQ(Dump(m), "(0,0)2 (1,1)1");
+    EXPECT_EQ(Column(B, 0), (std::vector<double>{7.0, 0.0}));
+    // A value on a chain: row 0 loses (0,1) and is corrected; (1,2) goes with row 1, so
+    // row 2 is not; B[1] keeps the value.
+    Fill(c, 3, {4, -1, 0, 0, 4, -1, 0, 0, 4});
+    c.SymUnifyAndZero(truncated, two, &C);
+    EXPECT_EQ(Dump(c), "(0,0)4 (1,1)1 (2,2)4");
+    EXPECT_EQ(Column(C, 0), (std::vector<double>{3.0, 2.0, 1.0}));
+    // An empty row gets a fresh cell.
+    e.SymUnifyAndZero(one, zero, &B);
+    EXPECT_EQ(Dump(e), "(1,1)1");
 }
 
 TEST(CSystSpMatBCs, SymHandleBCsReachesBothTriangles) {
-    CSystSpMat m(2);
-    Fill2(m, false);
-    CMatrix bc(1, 2);
-    bc[0][0] = 1.0;
+    CSystSpMat m(2), t(3), e(2);
+    Fill(m, 2, s_Upper);
+    CMatrix bc(1, 2, true, 1.0), rhs(2, 1, true, 1.0);
     bc[0][1] = 3.0;
-    CMatrix rhs(2, 1, true, 1.0);
     m.SymHandleBCs(bc, rhs);
     EXPECT_EQ(Column(rhs, 0), (std::vector<double>{4.0, -5.0}));
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 2.0}, {1, 1, 1.0}}));
-}
-
-TEST(CSystSpMatBCs, SymHandleBCsServesEveryRightHandSideWithItsOwnValue) {
-    // Upper storage of {{4,-1,-1},{-1,4,-1},{-1,-1,4}}; number 0 prescribed to 1 and 10.
-    CSystSpMat m(3);
-    for (int i = 0; i < 3; i++)
-        for (int j = i; j < 3; j++)
-            m.Add(i, j, i == j ? 4.0 : -1.0);
-    CMatrix bc(1, 3);
-    bc[0][0] = 0.0;
-    bc[0][1] = 1.0;
-    bc[0][2] = 10.0;
-    CMatrix rhs(3, 2, true, 0.0);
-    m.SymHandleBCs(bc, rhs);
-    // Rows 1 and 2 reach the number through (0,1) and (0,2) of the prescribed row.
-    EXPECT_EQ(Column(rhs, 0), (std::vector<double>{-4.0, 1.0, 1.0}));
-    EXPECT_EQ(Column(rhs, 1), (std::vector<double>{-40.0, 10.0, 10.0}));
-    EXPECT_EQ(Cells(m), (Cells_t{{0, 0, 1.0}, {1, 1, 4.0}, {1, 2, -1.0}, {2, 2, 4.0}}));
-
+    EXPECT_EQ(Dump(m), "(0,0)2 (1,1)1");
+    // Number 0 with a value per right-hand side: rows 1 and 2 reach it through row 0.
+    Fill(t, 3, {4, -1, -1, 0, 4, -1, 0, 0, 4});
+    CMatrix bc2(1, 3, true, 0.0), rhs2(3, 2, true, 0.0);
+    bc2[0][1] = 1.0;
+    bc2[0][2] = 10.0;
+    t.SymHandleBCs(bc2, rhs2);
+    EXPECT_EQ(Column(rhs2, 0), (std::vector<double>{-4.0, 1.0, 1.0}));
+    EXPECT_EQ(Column(rhs2, 1), (std::vector<double>{-40.0, 10.0, 10.0}));
+    EXPECT_EQ(Dump(t), "(0,0)1 (1,1)4 (1,2)-1 (2,2)4");
     // A prescribed row without a diagonal cell ends empty.
-    CSystSpMat e(2);
-    e.Add(0, 1, 2.0);
-    e.Add(1, 1, 1.0);
-    CMatrix bc0(1, 2, true, 0.0);
-    CMatrix r0(2, 1, true, 0.0);
-    e.SymHandleBCs(bc0, r0);
-    EXPECT_EQ(Cells(e), (Cells_t{{1, 1, 1.0}}));
+    Fill(e, 2, {0, 2, 0, 1});
+    bc2[0][1] = bc2[0][2] = 0.0;
+    e.SymHandleBCs(bc2, rhs2);
+    EXPECT_EQ(Dump(e), "(1,1)1");
 }
