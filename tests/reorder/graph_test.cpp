@@ -1,152 +1,186 @@
-// The node graph: the two passes, Alloc and Copy, the row table helpers, the class frame.
-#include "reorder_test_util.h"
+// The node graph: the two passes, Alloc and Copy, the measures, the inverse and the two
+// text outputs.
+#include "common/femtest.h"
+
+#include <algorithm>
 
 typedef std::vector<LONG> Longs;
 
+// Opens the protected operations the tests look at.
+class TestGraph : public CReorderMat {
+public:
+    TestGraph() : CReorderMat(0) {}
+    using CReorderMat::B_f;
+    using CReorderMat::Move;
+};
+
+static Longs Row(const CArrayArray<LONG> &g, int i) {
+    return Longs(g.m_ppRows[i], g.m_ppRows[i] + g.m_pRowSizes[i]);
+}
+
+static std::string Bytes(const CMemFile &f) {
+    return std::string(f.GetData().begin(), f.GetData().end());
+}
+
 TEST(NodeGraph, TwoPassesStoreSharedEdgesOnceAndKeepSpareSlots) {
-    TestGraph g;
-    // {3, 5} twice (shared edge), a negative entry, a single-entry element, a triangle.
+    CReorderMat g(0);
+    // {3, 5} twice, a negative entry, a single-entry element, a triangle.
     ElementList elements = {{3, -1, 5}, {5, 3}, {4}, {0, 1, 2}};
     g.Alloc(6);
     for (auto &e : elements)
         g.InsertDOFs(e.data(), 0, (int)e.size());
-    // Counting: every pair counts, the shared edge twice, the negative entry nothing.
     EXPECT_EQ(Longs(g.m_pRowSizes, g.m_pRowSizes + 6), (Longs{2, 2, 2, 2, 0, 2}));
     g.Init();
-    for (int i = 0; i < 6; i++) {
-        EXPECT_EQ(g.m_pRowSizes[i], 0);
-        ASSERT_NE(g.m_ppRows[i], nullptr); // also the row of no entries
-    }
-    EXPECT_EQ(g.m_ppRows[3][0], -1);
-    EXPECT_EQ(g.m_ppRows[3][1], -1);
+    EXPECT_NE(g.m_ppRows[4], nullptr); // also the row of no entries
     for (auto &e : elements)
         g.InsertDOFs(e.data(), 1, (int)e.size());
+    LONG e[2] = {0, 4};
+    g.InsertDOFs(e, 2, 2); // changes nothing
 
-    EXPECT_EQ(Row(g, 0), (Longs{1, 2}));
-    EXPECT_EQ(Row(g, 1), (Longs{0, 2}));
-    EXPECT_EQ(Row(g, 2), (Longs{0, 1}));
-    EXPECT_EQ(Row(g, 3), (Longs{5}));
-    EXPECT_EQ(Row(g, 4), (Longs{}));
-    EXPECT_EQ(Row(g, 5), (Longs{3}));
+    std::vector<Longs> rows = {{1, 2}, {0, 2}, {0, 1}, {5}, {}, {3}};
+    for (int i = 0; i < 6; i++)
+        EXPECT_EQ(Row(g, i), rows[i]) << i;
     EXPECT_EQ(g.m_ppRows[3][1], -1);
     EXPECT_EQ(g.m_ppRows[5][1], -1);
-    // The spare -1 behind the count is not found.
-    EXPECT_EQ(g.Find(-1, 3), -1);
-    EXPECT_EQ(g.Find(5, 3), 0);
+    EXPECT_EQ(g.Find(-1, 3), -1); // the spare slot is not an entry
     EXPECT_EQ(g.Find(2, 1), 1);
     EXPECT_TRUE(g.Check());
-    EXPECT_EQ(Labels(g), (Longs{0, 1, 2, 3, 4, 5}));
 
-    // Any pass but 0 and 1 changes nothing.
-    Longs e = {0, 4};
-    g.InsertDOFs(e.data(), 2, 2);
-    EXPECT_EQ(Row(g, 0), (Longs{1, 2}));
-    EXPECT_EQ(Row(g, 4), (Longs{}));
-    EXPECT_EQ(g.GetRows(), 6);
+    CReorderMat dup(0);
+    BuildGraph(dup, 4, {{0, 1}, {2, 2, 3}});
+    EXPECT_FALSE(dup.Check());
 }
 
-TEST(NodeGraph, CheckFindsARepeatedDegreeOfFreedom) {
-    CReorderMat g(0);
-    BuildGraph(g, 4, {{0, 1}, {2, 2, 3}});
-    EXPECT_EQ(Row(g, 2), (Longs{2, 2, 3}));
-    EXPECT_FALSE(g.Check());
-}
+TEST(NodeGraph, AllocKeepsOrRenewsTables) {
+    CReorderMat empty(1);
+    empty.Alloc(0);
+    empty.Init();
+    EXPECT_EQ(empty.m_ppRows, nullptr);
+    EXPECT_EQ(empty.m_pRowSizes, nullptr);
+    EXPECT_EQ(empty.m_pLabels, nullptr);
 
-TEST(NodeGraph, AllocResetsLabelsAndEmptiesRows) {
-    TestGraph g(1);
+    CReorderMat g(1);
     BuildGraph(g, 4, {{0, 1, 2, 3}});
-    ASSERT_NE(g.m_pInverse, nullptr);
-    g.Move(0, 3);
+    std::swap(g.m_pLabels[0], g.m_pLabels[3]);
     g.m_pInverse[2] = 7;
-    LONG *pLabels = g.m_pLabels;
-    LONG *pInverse = g.m_pInverse;
-    LONG **ppRows = g.m_ppRows;
-
+    LONG *pLabels = g.m_pLabels, *pInverse = g.m_pInverse;
     // Same size: same tables, identity labels, zeroed inverse, rows gone.
     g.Alloc(4);
     EXPECT_EQ(g.m_pLabels, pLabels);
     EXPECT_EQ(g.m_pInverse, pInverse);
-    EXPECT_EQ(g.m_ppRows, ppRows);
-    EXPECT_EQ(Labels(g), (Longs{0, 1, 2, 3}));
-    EXPECT_EQ(Longs(g.m_pInverse, g.m_pInverse + 4), (Longs{0, 0, 0, 0}));
-    for (int i = 0; i < 4; i++) {
-        EXPECT_EQ(g.m_ppRows[i], nullptr);
-        EXPECT_EQ(g.m_pRowSizes[i], 0);
-    }
-
-    // A new size: new identity labels; the graph can be built again.
-    BuildGraph(g, 6, {{4, 5}});
-    EXPECT_EQ(Labels(g), (Longs{0, 1, 2, 3, 4, 5}));
-    EXPECT_EQ(Row(g, 4), (Longs{5}));
-
+    EXPECT_EQ(Longs(pLabels, pLabels + 4), (Longs{0, 1, 2, 3}));
+    EXPECT_EQ(Longs(pInverse, pInverse + 4), (Longs{0, 0, 0, 0}));
+    for (int i = 0; i < 4; i++)
+        EXPECT_TRUE(g.m_ppRows[i] == nullptr && g.m_pRowSizes[i] == 0);
     // Size 0 on an object with vertices: labels and inverse freed, tables of no entries.
     g.Alloc(0);
-    EXPECT_EQ(g.m_nRows, 0);
     EXPECT_EQ(g.m_pLabels, nullptr);
     EXPECT_EQ(g.m_pInverse, nullptr);
     EXPECT_NE(g.m_ppRows, nullptr);
-    EXPECT_NE(g.m_pRowSizes, nullptr);
-}
-
-TEST(NodeGraph, EmptyObjectStaysWithoutTables) {
-    CReorderMat g(0);
-    g.Alloc(0);
-    g.Init();
-    EXPECT_EQ(g.m_ppRows, nullptr);
-    EXPECT_EQ(g.m_pRowSizes, nullptr);
-    EXPECT_EQ(g.m_pLabels, nullptr);
-    EXPECT_EQ(g.m_pInverse, nullptr);
-    // Mode 0 makes no inverse; PostReorder makes one when there are vertices.
-    BuildGraph(g, 3, {{0, 1}, {1, 2}});
-    EXPECT_EQ(g.m_pInverse, nullptr);
-    g.PostReorder();
-    ASSERT_NE(g.m_pInverse, nullptr);
-    EXPECT_EQ(g.f_v_inv(2), 2);
 }
 
 TEST(NodeGraph, CopyGivesExactRows) {
     CReorderMat g(0);
     // Rows 0 and 1 have spare capacity (the shared edge); row 3 has no neighbour.
     BuildGraph(g, 4, {{0, 1}, {1, 0}, {1, 2}});
-    ASSERT_EQ(g.m_ppRows[0][1], -1);
-
     CArrayArray<LONG> copy;
     int sizes[2] = {7, 3};
-    EXPECT_TRUE(copy.Allocate(sizes, 2)); // a different size to start from
-    EXPECT_EQ(copy.m_nRows, 7);
+    EXPECT_TRUE(copy.Allocate(sizes, 2));
     EXPECT_EQ(copy.m_pRowSizes[6], 3);
     copy.Copy(g);
     ASSERT_EQ(copy.m_nRows, 4);
-    EXPECT_EQ(Longs(copy.m_ppRows[0], copy.m_ppRows[0] + copy.m_pRowSizes[0]), (Longs{1}));
-    EXPECT_EQ(Longs(copy.m_ppRows[1], copy.m_ppRows[1] + copy.m_pRowSizes[1]), (Longs{0, 2}));
-    EXPECT_EQ(copy.m_pRowSizes[3], 0);
-    EXPECT_NE(copy.m_ppRows[3], nullptr);
-
-    // SetRowSize keeps an array of the same count; Clear leaves no table.
-    LONG *pRow = copy.m_ppRows[1];
-    copy.SetRowSize(1, 2);
-    EXPECT_EQ(copy.m_ppRows[1], pRow);
-
-    // Back into a graph of the same size: same contents, labels untouched.
-    TestGraph h;
-    BuildGraph(h, 4, {{2, 3}});
-    h.Move(0, 1);
-    h.Copy(copy);
     for (int i = 0; i < 4; i++)
-        EXPECT_EQ(Row(h, i), Row(g, i));
-    EXPECT_EQ(Labels(h), (Longs{1, 0, 2, 3}));
+        EXPECT_EQ(Row(copy, i), Row(g, i));
+    EXPECT_NE(copy.m_ppRows[3], nullptr);
+    LONG *pRow = copy.m_ppRows[1];
+    copy.SetRowSize(1, 2); // same count: the array stays
+    EXPECT_EQ(copy.m_ppRows[1], pRow);
 }
 
-TEST(NodeGraph, ReportsTheRecordOfCVirtMat) {
-    CReorderMat g(1);
-    CArrayArray<LONG> a;
-    EXPECT_EQ(g.GetRuntimeClass(), RUNTIME_CLASS(CVirtMat));
-    EXPECT_EQ(a.GetRuntimeClass(), RUNTIME_CLASS(CVirtMat));
-    // Through the base pointer, Allocate reaches the graph's own Alloc: labels appear.
-    CVirtMat *p = &g;
-    int sizes[1] = {5};
-    EXPECT_TRUE(p->Allocate(sizes, 1));
-    ASSERT_NE(g.m_pLabels, nullptr);
-    EXPECT_EQ(g.f_v(4), 4);
-    EXPECT_NE(g.m_pInverse, nullptr);
+TEST(Measures, PathAndEmptyGraph) {
+    TestGraph g;
+    BuildGraph(g, 3, {{0, 1}, {1, 2}});
+    EXPECT_EQ(g.m_pInverse, nullptr); // mode 0: PostReorder makes it
+    // Identity, then labels 0, 2, 1: B_f of each vertex, Env, bandwidth, vertex of label 1.
+    for (Longs expect : {Longs{1, 1, 1, 3, 1, 1}, Longs{2, 2, 1, 5, 2, 2}}) {
+        int nBand = -1, v = -1;
+        for (int i = 0; i < 3; i++)
+            EXPECT_EQ(g.B_f(i), expect[i]);
+        EXPECT_EQ(g.Env(&nBand), expect[3]);
+        EXPECT_EQ(nBand, expect[4]);
+        EXPECT_EQ(g.GetB(v), expect[4]);
+        EXPECT_EQ(v, 0);
+        g.PostReorder();
+        EXPECT_EQ(g.f_v_inv(1), expect[5]);
+        g.Move(1, 2);
+    }
+    // Only vertex 3 reaches the bandwidth; isolated vertices measure 0.
+    TestGraph h;
+    BuildGraph(h, 6, {{3, 5}, {4, 5}});
+    int v = -1;
+    EXPECT_EQ(h.GetB(v), 2);
+    EXPECT_EQ(v, 3);
+    EXPECT_EQ(h.B_f(0), 0);
+
+    CReorderMat e(0);
+    e.Alloc(0);
+    int nBand = -1;
+    EXPECT_EQ(e.Env(&nBand), 0);
+    EXPECT_EQ(nBand, 0);
+    EXPECT_EQ(e.GetB(v), 0);
+    EXPECT_EQ(v, 0);
+    e.PostReorder();
+    EXPECT_EQ(e.m_pInverse, nullptr);
+}
+
+TEST(Measures, GridOfQuads) {
+    for (int n : {1, 2, 5, 12}) {
+        ElementList quads;
+        for (LONG r = 0; r < n; r++) {
+            for (LONG c = 0; c < n; c++) {
+                LONG a = r * (n + 1) + c;
+                quads.push_back({a, a + 1, a + n + 2, a + n + 1});
+            }
+        }
+        int nNodes = (n + 1) * (n + 1);
+        TestGraph g;
+        BuildGraph(g, nNodes, quads);
+        // Row by row, a node's farthest neighbour is a diagonal one, n + 2 away, except at
+        // the corners (0, n) and (n, 0), which only reach n + 1 straight up or down.
+        for (int v = 0; v < nNodes; v++)
+            EXPECT_EQ(g.B_f(v), v == n || v == nNodes - 1 - n ? n + 1 : n + 2) << v;
+        int nBand = 0, v = -1;
+        EXPECT_EQ(g.Env(&nBand), (nNodes - 2) * (n + 2) + 2 * (n + 1));
+        EXPECT_EQ(nBand, n + 2);
+        EXPECT_EQ(g.GetB(v), n + 2);
+        EXPECT_EQ(v, 0);
+    }
+}
+
+TEST(Outputs, ScriptMatrixAndPlotTable) {
+    CReorderMat one(0);
+    BuildGraph(one, 1, {});
+    CMemFile f1;
+    one.MatlabWrite(&f1, "m");
+    EXPECT_EQ(Bytes(f1), "m = sparse(1,1);\r\nm(1,1) = 1;\r\n");
+
+    TestGraph g;
+    BuildGraph(g, 3, {{0, 1}, {1, 2}});
+    g.Move(1, 2); // labels 0, 2, 1
+    CMemFile script, plot;
+    g.MatlabWrite(&script, "after");
+    EXPECT_EQ(Bytes(script), "after = sparse(3,3);\r\n"
+                             "after(1,3) = 2;\r\nafter(1,1) = 1;\r\n"
+                             "after(3,1) = 1;\r\nafter(3,2) = 3;\r\nafter(3,3) = 2;\r\n"
+                             "after(2,3) = 2;\r\nafter(2,2) = 3;\r\n");
+    // Off the diagonal a cell shows the neighbour's vertex from 1, on it the label from 1.
+    g.WritePlotASCII(&plot);
+    EXPECT_EQ(Bytes(plot), "      1   0      2\r\n"
+                           "   0      2      2\r\n"
+                           "      1      3      3\r\n");
+    // Labels nobody holds get no line.
+    g.InitLabels(0);
+    CMemFile plot2;
+    g.WritePlotASCII(&plot2);
+    EXPECT_EQ(Bytes(plot2), "      1   0   0\r\n");
 }
