@@ -89,13 +89,12 @@ bool CSkylineMatrix::Allocate(int *pSizes, int nDims) {
             const int b = pSizes[1];
             pSizes[1] = b * n - b * (b - 1) / 2;
         }
-        if (pSizes[1] != m_nValues) {
+        // A new total (or a values array lost to a failed call) takes a new array.
+        if (pSizes[1] != m_nValues || !m_pValues) {
             m_nValues = pSizes[1];
-            delete[] m_pValues;
-            m_pValues = NULL;
+            if (!MakeValues())
+                return false;
         }
-        if (!m_pValues && m_nValues != 0 && !MakeValues())
-            return false;
 
         if (nDims >= n + 2) {
             for (int i = 0; i < n; i++)

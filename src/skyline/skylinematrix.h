@@ -9,10 +9,11 @@
 // Value (j, i), j <= i, stands at m_ppDiag[i] - (i - j): the lower triangle by rows and the
 // upper triangle by columns are the same numbers.
 //
-// Choices where the description leaves room:
-// - A failed allocation leaves the counts as far as the work had come and NULL in the arrays
-//   it could not make; the next Allocate makes missing arrays again, so the object stays usable
-//   (it can be shaped anew or destroyed). New row tables start zeroed.
+// Choices made here:
+// - A failed allocation leaves the counts as far as the work had come, NULL for the values
+//   array or for all three row tables, whichever failed, and no address into freed storage;
+//   the next Allocate makes missing arrays again, so the object stays usable (it can be
+//   shaped anew or destroyed). New row tables start zeroed.
 // - BackwSub computes exactly what the row-by-row search of every later row computes (each
 //   right-hand side entry receives the same subtractions in the same order), but walks each
 //   stored row once instead of asking every later row whether it reaches up.

@@ -1,0 +1,158 @@
+// Skyline shape from sizes and from a reordered graph, assembly, the class record, and what a
+// failed allocation leaves.
+#include "common/femtest.h"
+#include "skyline/skylinematrix.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <numeric>
+
+// Nothrow array requests above this many bytes yield NULL, as from an exhausted heap.
+static size_t s_nHeapLimit = SIZE_MAX;
+void *operator new[](std::size_t nBytes, const std::nothrow_t &) noexcept {
+    return nBytes > s_nHeapLimit ? nullptr : ::operator new[](nBytes);
+}
+
+namespace {
+
+// The heights of a freshly shaped matrix, after checking that the diagonal indices and
+// addresses follow from them and that every value is 0.
+std::vector<int> FreshShape(const CSkylineMatrix &m) {
+    int nSum = 0;
+    for (int i = 0; i < m.m_nRows; i++) {
+        nSum += m.m_pHeights[i];
+        EXPECT_TRUE(m.m_pDiagIndex[i] == nSum - 1 && m.m_ppDiag[i] == m.m_pValues + nSum - 1);
+    }
+    EXPECT_EQ(m.m_nValues, nSum);
+    EXPECT_EQ(std::count(m.m_pValues, m.m_pValues + nSum, 0.0), nSum);
+    return std::vector<int>(m.m_pHeights, m.m_pHeights + m.m_nRows);
+}
+
+// Counts element accesses, which assembly must make through the table.
+struct CCountingSkyline : CSkylineMatrix {
+    int m_nAccesses = 0;
+    double &operator()(int i, int j) override {
+        m_nAccesses++;
+        return CSkylineMatrix::operator()(i, j);
+    }
+};
+
+} // namespace
+
+TEST(SkylineAllocate, FromSizes) {
+    const struct {
+        std::vector<int> sizes, heights;
+    } cases[] = {{{4, 2}, {1, 2, 2, 2}},       // a band width, rewritten to the total 7
+                 {{3, 6}, {1, 2, 3}},          // not below the order: a total
+                 {{3, 3}, {1, 1, 1}},          //
+                 {{3, 4, 1, 1, 2}, {1, 1, 2}}, // heights listed
+                 {{5, 3}, {1, 2, 3, 3, 3}},    //
+                 {{5}, {1, 2, 3, 3, 3}},       // the order alone keeps the shape
+                 {{0}, {}},                    // order 0 clears
+                 {{4, 2}, {1, 2, 2, 2}},       //
+                 {{}, {}}};                    // so do no sizes
+    CSkylineMatrix m;
+    for (auto c : cases) {
+        m = 2.5;
+        ASSERT_TRUE(m.Allocate(c.sizes.data(), (int)c.sizes.size()));
+        EXPECT_EQ(FreshShape(m), c.heights);
+        EXPECT_TRUE(c.sizes.size() < 2 || c.sizes[1] == m.m_nValues);
+        EXPECT_TRUE(m.m_nRows || !(m.m_pValues || m.m_pHeights || m.m_pDiagIndex || m.m_ppDiag));
+    }
+    delete[] m.DiagVect(); // an array of no entries
+}
+
+TEST(SkylineAllocate, FromGraph) {
+    CReorderMat g(0), loose(0), empty(0);
+    BuildGraph(g, 3, {{0, 1}, {1, 2}});
+    g.PostReorder();
+    CSkylineMatrix m, fresh;
+    ASSERT_TRUE(m.Allocate(g));
+    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 2}));
+    EXPECT_EQ(m.PeakRow(2), 1);
+    // Labels 1, 2, 0 (not their own inverse): edges 1-2 and 2-0 in labels. A new matrix takes
+    // the new profile; the same order keeps the old heights as lower bounds. The graph is
+    // only read.
+    const LONG labels[] = {1, 2, 0};
+    std::copy(labels, labels + 3, g.m_pLabels);
+    g.PostReorder();
+    m = 7.0;
+    ASSERT_TRUE(fresh.Allocate(g) && m.Allocate(g));
+    EXPECT_EQ(FreshShape(fresh), (std::vector<int>{1, 1, 3}));
+    EXPECT_EQ(fresh.PeakRow(2), 0);
+    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(std::vector<LONG>(g.m_ppRows[1], g.m_ppRows[1] + 2), (std::vector<LONG>{0, 2}));
+    // No edges: a diagonal; no vertices: cleared.
+    BuildGraph(loose, 4, {{0}, {1, -1}, {3}});
+    BuildGraph(empty, 0, {});
+    loose.PostReorder();
+    empty.PostReorder();
+    ASSERT_TRUE(m.Allocate(loose));
+    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 1}));
+    ASSERT_TRUE(m.Allocate(empty));
+    EXPECT_TRUE(m.m_nRows == 0 && !m.m_pValues);
+}
+
+TEST(SkylineAssembly, UpperHalfInLabelsThroughTheTable) {
+    CCountingSkyline m;
+    CVirtRealMat *pBase = &m;
+    int full[] = {6, 21}, diagonal[] = {3, 3};
+    LONG dofs[] = {2, -1, 5}, twice[] = {1, 1}, apart[] = {0, 2};
+    double element[] = {1, 2, 3, 4, 5, 6, 7, 8, 9}, block[] = {1, 2, 4, 8},
+           zeros[] = {1, 0, -0.0, 2};
+    // (2, 2), (2, 5) from row 0, column 2, and (5, 5); row 2, column 0 is not read.
+    ASSERT_TRUE(pBase->Allocate(full, 2));
+    pBase->AddValues(dofs, element, 3);
+    EXPECT_EQ(m.m_nAccesses, 3);
+    EXPECT_EQ(std::accumulate(m.m_pValues, m.m_pValues + 21, 0.0), 13.0);
+    EXPECT_TRUE(m(2, 2) == 1.0 && m(2, 5) == 3.0 && m(5, 5) == 9.0);
+    // A dof given twice takes all four entries; zeros touch nothing, even outside the profile.
+    ASSERT_TRUE(m.Allocate(diagonal, 2));
+    m.AddValues(twice, block, 2);
+    m.AddValues(apart, zeros, 2);
+    EXPECT_EQ(std::vector<double>(m.m_pValues, m.m_pValues + 3), (std::vector<double>{1, 15, 2}));
+    EXPECT_TRUE(&(*pBase = 1.5) == pBase && &(*pBase += 0.25) == pBase);
+    EXPECT_EQ(m.m_pValues[0] + m.m_pValues[2], 3.5);
+}
+
+TEST(SkylineClass, CreatedByNameAndArchivedWithoutContents) {
+    CRuntimeClass *pClass = CRuntimeClass::FromName("CSkylineMatrix");
+    ASSERT_EQ(pClass, RUNTIME_CLASS(CSkylineMatrix));
+    std::unique_ptr<CObject> pObject(pClass->CreateObject());
+    EXPECT_TRUE(pClass->m_wSchema == 1 && pObject->GetRuntimeClass() == pClass &&
+                pObject->IsKindOf(RUNTIME_CLASS(CVirtRealMat)));
+    CSkylineMatrix m, *pRead = nullptr;
+    int band[] = {3, 2};
+    ASSERT_TRUE(m.Allocate(band, 2));
+    CMemFile file;
+    CArchive store(&file, CArchive::store);
+    store << &m;
+    store.Close();
+    file.SeekToBegin();
+    CArchive load(&file, CArchive::load);
+    load >> pRead;
+    std::unique_ptr<CSkylineMatrix> pOwned(pRead);
+    EXPECT_TRUE(pRead && pRead->m_nRows == 0 && !pRead->m_pValues);
+}
+
+TEST(SkylineAllocate, FailedAllocationYieldsFalseAndTheObjectStaysUsable) {
+    CSkylineMatrix m;
+    CReorderMat g(0);
+    BuildGraph(g, 4, {{0, 3}});
+    g.PostReorder();
+    int values[] = {1000, 200000}, rows[] = {200000, 200000}, band[] = {4, 2};
+    s_nHeapLimit = 1 << 20;
+    EXPECT_FALSE(m.Allocate(values, 2)); // 1.6 MB of values
+    EXPECT_EQ(m.m_pValues, nullptr);
+    EXPECT_FALSE(m.Allocate(rows, 2)); // 1.6 MB of diagonal addresses, after two tables
+    EXPECT_TRUE(m.m_nRows == 200000 && !m.m_pHeights && !m.m_pDiagIndex && !m.m_ppDiag);
+    s_nHeapLimit = 40;
+    EXPECT_FALSE(m.Allocate(g)); // the row tables fit, the 7 values don't
+    s_nHeapLimit = SIZE_MAX;
+    EXPECT_EQ(m.m_nRows, 4);
+    ASSERT_TRUE(m.Allocate(g));
+    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 4}));
+    ASSERT_TRUE(m.Allocate(band, 2));
+    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 2, 2}));
+}
