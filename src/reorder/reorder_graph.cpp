@@ -43,34 +43,24 @@ void CReorderMat::Init() {
 }
 
 void CReorderMat::InsertDOFs(LONG *pDOFs, int nPass, int nDOFs) {
-    if (nPass == 0) {
-        // Counting: every pair counts, so a row's count bounds its degree from above.
-        for (int i = 0; i < nDOFs; i++) {
-            LONG a = pDOFs[i];
-            if (a < 0)
+    if (nPass != 0 && nPass != 1)
+        return;
+    for (int i = 0; i < nDOFs; i++) {
+        LONG a = pDOFs[i];
+        if (a < 0)
+            continue;
+        for (int j = i + 1; j < nDOFs; j++) {
+            LONG b = pDOFs[j];
+            if (b < 0)
                 continue;
-            for (int j = i + 1; j < nDOFs; j++) {
-                LONG b = pDOFs[j];
-                if (b < 0)
-                    continue;
+            if (nPass == 0) {
+                // Every pair counts, so a row's count bounds its degree from above.
                 m_pRowSizes[b]++;
                 m_pRowSizes[a]++;
-            }
-        }
-    } else if (nPass == 1) {
-        // Inserting: an edge already there (from another element) is stored once.
-        for (int i = 0; i < nDOFs; i++) {
-            LONG a = pDOFs[i];
-            if (a < 0)
-                continue;
-            for (int j = i + 1; j < nDOFs; j++) {
-                LONG b = pDOFs[j];
-                if (b < 0)
-                    continue;
-                if (Find(a, b) == -1) {
-                    m_ppRows[a][m_pRowSizes[a]++] = b;
-                    m_ppRows[b][m_pRowSizes[b]++] = a;
-                }
+            } else if (Find(a, b) == -1) {
+                // An edge already there (from another element) is stored once.
+                m_ppRows[a][m_pRowSizes[a]++] = b;
+                m_ppRows[b][m_pRowSizes[b]++] = a;
             }
         }
     }

@@ -24,6 +24,11 @@
 //   log n query) instead of a pass over the whole graph.
 // - UnionAdj_Ex_p_i marks the old row's vertices on their counts (complemented for the
 //   moment of the union) so that the union is linear; counts are whole again on return.
+// - MatlabWrite gathers its lines into blocks of some 64 KB before writing; the bytes are
+//   those of one write per line.
+// - Copy onto the object itself leaves it as it is.
+// - MinDegReorder4 stops numbering if no unnumbered vertex has a degree below n, which
+//   only a vertex listed as its own neighbour can bring about.
 // - TabuReorder, TabuReorder2, GetClosestToMid, NumMovables, IsCandidate, mid, InitTabu,
 //   WFun and the Hager operations hold their places; their bodies come later.
 #pragma once
@@ -124,4 +129,7 @@ protected:
     static bool OpenScript(CFile &file);
     // Writes the closing lines of the script: the minimum-degree form ends with symmmd.
     static void WriteScriptTrailer(CFile *pFile, bool bMinDeg);
+    // Ends a minimum-degree run on its own script: stops the clock, writes "after" and the
+    // trailer, closes the file, then shows the report.
+    void EndScriptedRun(CFile &file, LONG nStart);
 };
