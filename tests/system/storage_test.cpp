@@ -1,11 +1,17 @@
-// CSystSpMat: the row table, the Add forms, both Allocate forms, assembly, assignment and
-// the run-time class.
+// CSystSpMat: the run-time class, the row table, the Add forms, both Allocate forms,
+// assembly and assignment.
 #include "system_test_util.h"
 
 TEST(CSystSpMat, TableSizeLinksAndAllocateBySize) {
+    // Created by name, or with no rows: empty.
+    CObject *pCreated = CRuntimeClass::FromName("CSystSpMat")->CreateObject();
+    ASSERT_EQ(pCreated->GetRuntimeClass(), RUNTIME_CLASS(CSystSpMat));
+    EXPECT_EQ(RUNTIME_CLASS(CSystSpMat)->m_pfnGetBaseClass(), RUNTIME_CLASS(CSparseMatrix));
+    EXPECT_EQ(RUNTIME_CLASS(CSystSpMat)->m_wSchema, 1u);
     CSystSpMat empty, zero(0), negative(-3), m(3), c(2);
-    for (CSystSpMat *p : {&empty, &zero, &negative})
+    for (CSystSpMat *p : {&empty, &zero, &negative, static_cast<CSystSpMat *>(pCreated)})
         EXPECT_TRUE(p->GetRows() == 0 && p->m_pRowTable == NULL);
+    delete pCreated;
     // The size holds without any cell; a scrambled list is relinked from the table.
     CSparseMatrix &base = m;
     EXPECT_EQ(base.GetRows(), 3);
@@ -134,15 +140,4 @@ TEST(CSystSpMat, AssignmentSumsIntoTheOwnTable) {
     EXPECT_EQ(a.m_pRowTable, pTable);
     EXPECT_EQ(Dump(a), "(0,0)3 (1,0)3");
     ExpectLinked(a);
-}
-
-TEST(CSystSpMat, RunTimeClassCreatesAnEmptyMatrixByName) {
-    const CRuntimeClass *pClass = CRuntimeClass::FromName("CSystSpMat");
-    ASSERT_EQ(pClass, RUNTIME_CLASS(CSystSpMat));
-    EXPECT_EQ(pClass->m_wSchema, 1u);
-    EXPECT_EQ(pClass->m_pfnGetBaseClass(), RUNTIME_CLASS(CSparseMatrix));
-    CObject *pObject = pClass->CreateObject();
-    EXPECT_EQ(pObject->GetRuntimeClass(), pClass);
-    EXPECT_EQ(static_cast<CSystSpMat *>(pObject)->GetRows(), 0);
-    delete pObject;
 }
