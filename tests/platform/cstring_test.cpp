@@ -28,28 +28,18 @@ TEST(CString, FindFromStartOrIndex) {
 }
 
 TEST(CString, PiecesTrimsCaseAndComparison) {
-    CString s("abcdef");
-    EXPECT_EQ(s.Left(10), "abcdef");
-    EXPECT_EQ(s.Right(2), "ef");
-    EXPECT_EQ(s.Mid(1, 3), "bcd");
-    EXPECT_EQ(s.Mid(9), "");
-
-    CString t(" \t x y \r\n");
+    CString s("abcdef"), t(" \t x y \r\n"), n("2.5000");
+    EXPECT_EQ(s.Left(10) + s.Right(2) + s.Mid(1, 3) + s.Mid(9), "abcdefefbcd");
     t.TrimLeft();
     t.TrimRight();
-    EXPECT_EQ(t, "x y");
-    CString n("1.5000");
+    t.MakeUpper();
+    EXPECT_EQ(t, "X Y");
     n.TrimRight("0");
-    EXPECT_EQ(n, "1.5");
+    EXPECT_EQ(n, "2.5");
     n = "2.000";
     n.TrimRight("0.");
     EXPECT_EQ(n, "2");
-    t.MakeUpper();
-    EXPECT_EQ(t, "X Y");
-
     // A literal on the left compares text, not pointers.
-    CString a = "ab";
-    EXPECT_TRUE("ab" == a);
-    EXPECT_TRUE("abc" != a);
-    EXPECT_EQ("<" + a + '>', "<ab>");
+    EXPECT_TRUE("2" == n && "2.0" != n);
+    EXPECT_EQ("<" + n + '>', "<2>");
 }

@@ -1,8 +1,6 @@
 // Object records: registration and creation by name, the record layout with back
-// references and long indices, and the cause of every refusal.
+// references, and the cause of every refusal.
 #include "platform_test_util.h"
-
-#include "platform/afx.h"
 
 #include <memory>
 
@@ -43,40 +41,14 @@ class CTestDynamic : public CObject {
 };
 IMPLEMENT_DYNAMIC(CTestDynamic, CObject)
 
-namespace {
-
-std::vector<BYTE> Store(const CObject *pOb) {
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        ar << pOb;
-    }
-    return file.GetData();
-}
-
-// Reads one object and returns the cause of the exception, or -1.
-int LoadCause(const std::vector<BYTE> &bytes, const CRuntimeClass *pRequested) {
-    CMemFile file(bytes.data(), (UINT)bytes.size());
-    CArchive ar(&file, CArchive::load, 16);
-    try {
-        delete ar.ReadObject(pRequested);
-    } catch (CArchiveException &e) {
-        return e.m_cause;
-    }
-    return -1;
-}
-
-} // namespace
-
 TEST(CRuntimeClass, DerivationAndCreationByName) {
     EXPECT_EQ(CRuntimeClass::FromName("CTestDynamic"), nullptr); // only serial classes register
+    EXPECT_EQ(RUNTIME_CLASS(CTestDynamic)->CreateObject(), nullptr);
     std::unique_ptr<CObject> p(CRuntimeClass::FromName("CTestDerived")->CreateObject());
     EXPECT_EQ(p->GetRuntimeClass(), RUNTIME_CLASS(CTestDerived));
-    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CTestItem)));
-    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CObject)));
+    EXPECT_TRUE(p->IsKindOf(RUNTIME_CLASS(CTestItem)) && p->IsKindOf(RUNTIME_CLASS(CObject)));
     EXPECT_FALSE(p->IsKindOf(RUNTIME_CLASS(CTestLink)));
     EXPECT_FALSE(CTestItem().IsKindOf(RUNTIME_CLASS(CTestDerived)));
-    EXPECT_EQ(RUNTIME_CLASS(CTestDynamic)->CreateObject(), nullptr);
 }
 
 // null, a new class, the same object again, a known class, a class of another schema.
@@ -91,15 +63,11 @@ TEST(CArchiveObjects, RecordLayoutAndRoundTrip) {
         CArchive ar(&file, CArchive::store, 16);
         ar << (const CObject *)NULL << &a << &a << &b << &link;
     }
-    EXPECT_EQ(
-        file.GetData(),
-        Bytes({0,    0, // null
-               0xFF, 0xFF, 1,    0,    9,    0,    'C', 'T', 'e', 's', 't', 'I', 't', 'e', 'm', // 1
-               5,    0,    0,    0,                // a = 2
-               2,    0,                            // a again
-               0x01, 0x80, 0xFF, 0xFF, 0xFF, 0xFF, // b = 3
-               0xFF, 0xFF, 2,    0,    9,    0,    'C', 'T', 'e', 's', 't', 'L', 'i', 'n', 'k', // 4
-               2,    0})); // link = 5, refers to a
+    EXPECT_EQ(file.GetData(), Bytes({0,    0,    0xFF, 0xFF, 1,    0,    9,    0,    'C',  'T',
+                                     'e',  's',  't',  'I',  't',  'e',  'm',  5,    0,    0,
+                                     0,    2,    0,    0x01, 0x80, 0xFF, 0xFF, 0xFF, 0xFF, //
+                                     0xFF, 0xFF, 2,    0,    9,    0,    'C',  'T',  'e',  's',
+                                     't',  'L',  'i',  'n',  'k',  2,    0}));
 
     file.SeekToBegin();
     CArchive ar(&file, CArchive::load, 16);
@@ -115,20 +83,31 @@ TEST(CArchiveObjects, RecordLayoutAndRoundTrip) {
     EXPECT_EQ(pLink->m_pRef, a1.get());
 }
 
+namespace {
+// Reads one object and gives the cause of the refusal, or -1.
+int LoadCause(const std::vector<BYTE> &bytes, const CRuntimeClass *pRequested) {
+    CMemFile file(bytes.data(), (UINT)bytes.size());
+    CArchive ar(&file, CArchive::load, 16);
+    return ArchiveCause([&] { delete ar.ReadObject(pRequested); });
+}
+} // namespace
+
 TEST(CArchiveObjects, BadDataGivesTheRightCause) {
     CTestItem item;
-    std::vector<BYTE> good = Store(&item);
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    ar << &item;
+    ar.Close();
+    std::vector<BYTE> good = file.GetData(), unknown = good, schema = good;
 
     // Every truncation is the end of the file, never a crash; an object already made when
     // its contents run out is freed.
     for (size_t n = 0; n < good.size(); n++)
         EXPECT_EQ(LoadCause(std::vector<BYTE>(good.begin(), good.begin() + (long)n), NULL),
-                  CArchiveException::endOfFile)
-            << n;
+                  CArchiveException::endOfFile);
     EXPECT_EQ(LoadCause(good, RUNTIME_CLASS(CObject)), -1);
 
     // A class unknown, not what was asked for, or of another schema.
-    std::vector<BYTE> unknown = good, schema = good;
     unknown[8] = 'X';
     schema[2] = 2;
     EXPECT_EQ(LoadCause(unknown, NULL), CArchiveException::badClass);
@@ -142,12 +121,6 @@ TEST(CArchiveObjects, BadDataGivesTheRightCause) {
 
     // Writing refuses a class without a serial record.
     CTestDynamic dyn;
-    CMemFile file;
-    CArchive ar(&file, CArchive::store);
-    try {
-        ar << &dyn;
-        FAIL() << "no exception";
-    } catch (CArchiveException &e) {
-        EXPECT_EQ(e.m_cause, CArchiveException::badClass);
-    }
+    CArchive st(&file, CArchive::store);
+    EXPECT_EQ(ArchiveCause([&] { st << &dyn; }), CArchiveException::badClass);
 }

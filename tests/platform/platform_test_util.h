@@ -1,7 +1,7 @@
-// Helpers shared by the platform tests: temporary file names and byte comparison.
+// Helpers shared by the platform tests: temporary file names, byte lists, exception causes.
 #pragma once
 
-#include "platform/file.h"
+#include "platform/afx.h"
 
 #include <gtest/gtest.h>
 
@@ -25,8 +25,15 @@ private:
 };
 
 inline std::vector<BYTE> Bytes(std::initializer_list<int> list) {
-    std::vector<BYTE> v;
-    for (int b : list)
-        v.push_back((BYTE)b);
-    return v;
+    return std::vector<BYTE>(list.begin(), list.end());
+}
+
+// The cause of the CArchiveException that f throws, or -1 when it throws none.
+template <class F> int ArchiveCause(F f) {
+    try {
+        f();
+    } catch (CArchiveException &e) {
+        return e.m_cause;
+    }
+    return -1;
 }
