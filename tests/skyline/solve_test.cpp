@@ -47,10 +47,7 @@ struct CFailingSkyline : CSkylineMatrix {
 } // namespace
 
 TEST(SkylineSolve, SmallCasesOfEveryModeAndTheirTiming) {
-    typedef void (CSkylineMatrix::*Op)(CVirtMat *, double *, int);
-    const Op F = &CSkylineMatrix::ForwSub, B = &CSkylineMatrix::BackwSub,
-             D = &CSkylineMatrix::DiagMult;
-    const Op ops[] = {F, F, F, B, B, B, D, D, D};
+    const char ops[] = "FFFBBBDDD";
     const int modes[] = {1, 2, 0, 1, 2, 3, 2, -2, 7};
     const double results[][2] = {{8, -7}, {2, 1},   {8, 9},   {-10, 9}, {(8 - 2 * 1.8) / 4, 1.8},
                                  {8, 9},  {32, 45}, {2, 1.8}, {8, 9}};
@@ -59,7 +56,12 @@ TEST(SkylineSolve, SmallCasesOfEveryModeAndTheirTiming) {
     for (int k = 0; k < 9; k++) {
         CMatrix rhs = Columns(2, 1, {8, 9});
         double dTime = -5.0;
-        (m.*ops[k])(&rhs, &dTime, modes[k]);
+        if (ops[k] == 'F')
+            m.ForwSub(&rhs, &dTime, modes[k]);
+        else if (ops[k] == 'B')
+            m.BackwSub(&rhs, &dTime, modes[k]);
+        else
+            m.DiagMult(&rhs, &dTime, modes[k]);
         EXPECT_EQ(Stored(rhs), std::vector<double>(results[k], results[k] + 2)) << k;
         EXPECT_TRUE(dTime >= 0.0 && dTime < 1.0); // seconds, not the 1000.0 of meanwhile
     }
