@@ -1,5 +1,5 @@
 // CSparseMatrix factorisations and substitutions: hand cases, failures, agreement with a
-// dense solve, and the row order around BackwSub.
+// dense solve, every substitution mode.
 #include "sparse_test_util.h"
 
 #include <regex>
@@ -16,7 +16,6 @@ TEST(SparseFactor, FactorsByHandAndFlops) {
         {"", false, "", 0},
         {"", true, "", 0},
         {"0:0=4", false, "0:0=4", 1},
-        {"0:0=4,1=2;1:1=3", false, "0:0=4,1=0.5;1:1=2", 4},
         // (1, 2) comes by fill-in; the stored 0.0 at (2, 3) is passed over and makes none
         {"0:0=4,1=1,2=1;1:1=4;2:2=4,3=0;3:3=2", false,
          "0:0=4,1=0.25,2=0.25;1:1=3.75,2=-0.066666666666666666;2:2=3.7333333333333334,3=0;3:3=2",
@@ -44,7 +43,8 @@ TEST(SparseFactor, SolversTimeFlopsAndReport) {
     double dTimeS = 0.0, dTimeA = 0.0;
     CVirtMat::m_Flops = 100;
     EXPECT_EQ(S.Cholesky_Solve(&BS, dTimeS), 1);
-    EXPECT_EQ(CVirtMat::m_Flops, 4u); // reset first
+    EXPECT_EQ(Dump(S), "0:0=4,1=0.5;1:1=2");
+    EXPECT_EQ(CVirtMat::m_Flops, 4u); // reset first: two pivots, one pair
     EXPECT_TRUE(rec.Texts().empty());
     EXPECT_EQ(A.LU_Solve(&BA, dTimeA), 1);
     EXPECT_EQ(CVirtMat::m_Flops, 4u); // neither reset nor counted
@@ -111,9 +111,10 @@ TEST(SparseFactor, SolversAgreeWithADenseSolve) {
                     S.MakeUpper();
                 S2 = S;
                 CMatrix B(n, c), B2(n, c), B2fresh(n, c);
-                for (int k = 0; k < n * c; k++)
-                    B.m_pVector[k] = Load(k / c, k % c),
+                for (int k = 0; k < n * c; k++) {
+                    B.m_pVector[k] = Load(k / c, k % c);
                     B2.m_pVector[k] = B2fresh.m_pVector[k] = k % 7;
+                }
                 double dTime;
                 ASSERT_EQ(bLU ? S.LU_Solve(&B, dTime) : S.Cholesky_Solve(&B, dTime), 1);
                 for (int k = 0; k < c; k++) {
@@ -133,35 +134,48 @@ TEST(SparseFactor, SolversAgreeWithADenseSolve) {
     }
 }
 
+// Every mode on 3 by 3 lists with the right-hand side {1, 2, 3}. BackwSub leaves the row
+// order as it was, and unknown modes change nothing.
 TEST(SparseFactor, SubstitutionModesByHand) {
-    CSparseMatrix L, U; // both triangles for modes 1 and 2; the upper one for the others
+    CSparseMatrix L, U, D; // both triangles; upper triangle; row 1 without a diagonal cell
     Load(L, "0:0=2,1=1;1:0=0.5,1=4,2=1;2:0=0.25,1=0.5,2=8");
     Load(U, "0:0=2,1=1,2=0.5;1:1=4,2=0.25;2:2=8");
+    Load(D, "0:0=2;1:0=1,2=3;2:2=4");
+    typedef void (CSparseMatrix::*Step)(CVirtMat *, double *, int);
+    const Step F = &CSparseMatrix::ForwSub, B = &CSparseMatrix::BackwSub;
     const struct {
         CSparseMatrix *pM;
+        Step pfnStep;
         int nMode;
-        bool bBackw;
         std::vector<double> expected;
     } cases[] = {
-        {&L, 1, false, {1.0, 1.5, 2.0}},
-        {&L, 2, false, {0.5, 0.4375, 0.33203125}},
-        {&U, -1, false, {1.0, 1.0, 2.25}},
-        {&U, -2, false, {0.5, 0.375, 0.33203125}},
-        {&U, 3, false, {1.0, 2.0, 3.0}},
-        {&U, 1, true, {-1.75, 1.25, 3.0}},
-        {&U, 2, true, {0.16796875, 0.4765625, 0.375}},
-        {&L, 2, true, {0.296875, 0.40625, 0.375}}, // cells left of the diagonal passed over
+        {&L, F, 1, {1.0, 1.5, 2.0}},
+        {&L, F, 2, {0.5, 0.4375, 0.33203125}},
+        {&U, F, -1, {1.0, 1.0, 2.25}},
+        {&U, F, -2, {0.5, 0.375, 0.33203125}},
+        {&U, F, 3, {1.0, 2.0, 3.0}},
+        {&U, B, 1, {-1.75, 1.25, 3.0}},
+        {&U, B, 2, {0.16796875, 0.4765625, 0.375}},
+        {&L, B, 2, {0.296875, 0.40625, 0.375}}, // cells left of the diagonal passed over
+        {&L, B, 0, {1.0, 2.0, 3.0}},
+        {&U, B, -1, {1.0, 2.0, 3.0}},
+        {&D, &CSparseMatrix::DiagMult, 2, {2.0, 0.0, 12.0}},
+        {&D, &CSparseMatrix::DiagMult, -2, {0.5, HUGE_VAL, 0.75}},
+        {&D, &CSparseMatrix::DiagMult, 5, {1.0, 2.0, 3.0}},
     };
     for (const auto &t : cases) {
-        CMatrix B = Rhs({1.0, 2.0, 3.0});
+        const std::string strBefore = Dump(*t.pM);
+        CMatrix R = Rhs({1.0, 2.0, 3.0});
         double dTime = 0.0;
-        if (t.bBackw)
-            t.pM->BackwSub(&B, &dTime, t.nMode);
-        else
-            t.pM->ForwSub(&B, &dTime, t.nMode);
-        EXPECT_EQ(Flat(B), t.expected) << "mode " << t.nMode << (t.bBackw ? " backward" : "");
+        (t.pM->*t.pfnStep)(&R, &dTime, t.nMode);
+        EXPECT_EQ(Flat(R), t.expected) << "mode " << t.nMode;
         EXPECT_TRUE(dTime >= 0.0 && dTime < 1000.0);
+        EXPECT_EQ(Dump(*t.pM), strBefore);
     }
+    // several columns: each as it would be alone
+    CMatrix R = Rhs({1, 3, 2, 2, 3, 1}, 2);
+    L.BackwSub(&R, NULL, 2);
+    EXPECT_EQ(Flat(R), (std::vector<double>{0.296875, 1.265625, 0.40625, 0.46875, 0.375, 0.125}));
     // no columns: ForwSub and DiagMult return before the time, BackwSub measures
     CMatrix E;
     double dTime = 42.0;
@@ -170,36 +184,11 @@ TEST(SparseFactor, SubstitutionModesByHand) {
     EXPECT_EQ(dTime, 42.0);
     U.BackwSub(&E, &dTime, 1);
     EXPECT_NE(dTime, 42.0);
-}
-
-TEST(SparseFactor, BackwSubRestoresTheRowOrderInEveryMode) {
-    CSparseMatrix A;
-    Load(A, "0:0=1,2=2;1:1=2;2:0=3,2=4");
-    const std::string strBefore = Dump(A);
-    CMatrix E;
-    for (int nMode : {1, 2, 0, -1, 7}) {
-        CMatrix B = Rhs({1, 2, 3, 4, 5, 6}, 2);
-        A.BackwSub(&B, NULL, nMode);
-        A.BackwSub(&E, NULL, nMode);
-        EXPECT_EQ(Dump(A), strBefore) << "mode " << nMode;
-        EXPECT_TRUE(nMode == 1 || nMode == 2 || Flat(B) == (std::vector<double>{1, 2, 3, 4, 5, 6}));
-    }
-}
-
-TEST(SparseFactor, DiagMultModes) {
-    CSparseMatrix A; // row 1 has no diagonal cell
-    Load(A, "0:0=2;1:0=1,2=3;2:2=4");
-    CMatrix B = Rhs({1, 2, 3, 4, 5, 6}, 2), C = B;
-    A.DiagMult(&B, NULL, 2);
-    EXPECT_EQ(Flat(B), (std::vector<double>{2, 4, 0, 0, 20, 24}));
-    A.DiagMult(&C, NULL, -2);
-    EXPECT_EQ(Flat(C), (std::vector<double>{0.5, 1, HUGE_VAL, HUGE_VAL, 1.25, 1.5}));
-    B = Rhs({1, 2, 3, 4, 5, 6}, 2);
-    A.DiagMult(&B, NULL, 1);
-    EXPECT_EQ(Dump(A), "0:0=2;1:0=1,2=3;2:2=20");
-    A.DiagMult(&B, NULL, -1);
-    EXPECT_EQ(Dump(A), "0:0=2;1:0=1,2=3;2:2=4");
-    EXPECT_EQ(Flat(B), (std::vector<double>{1, 2, 3, 4, 5, 6}));
+    // modes 1 and -1 scale the diagonal by the first column and leave the right-hand side
+    D.DiagMult(&R, NULL, 1);
+    EXPECT_EQ(Dump(D), "0:0=0.59375;1:0=1,2=3;2:2=1.5");
+    D.DiagMult(&R, NULL, -1);
+    EXPECT_EQ(Dump(D), "0:0=2;1:0=1,2=3;2:2=4");
 }
 
 // What lies below the diagonal on entry is freed, not mirrored; a row left empty goes.

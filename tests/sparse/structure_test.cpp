@@ -1,8 +1,5 @@
 // CSparseMatrix whole-matrix operations: prescribed rows, A A^T, symmetry, flat copies, and
 // the virtual-table contract.
-#include "dense/vector.h"
-#include "platform/archive.h"
-#include "platform/file.h"
 #include "sparse_test_util.h"
 
 TEST(SparseStructure, UnifyAndZeroAndAAT) {
@@ -21,13 +18,8 @@ TEST(SparseStructure, UnifyAndZeroAndAAT) {
 }
 
 TEST(SparseStructure, UnifyAndZeroMovesTheColumnToTheRightHandSides) {
-    CSparseMatrix A, C;
-    Load(A, "0:0=2,1=-1;1:0=-1,1=2");
-    CMatrix B = Rhs({1.0, 1.0});
-    A.UnifyAndZero(1, 3.0, &B);
-    EXPECT_EQ(Dump(A), "0:0=2;1:1=1");
-    EXPECT_EQ(Flat(B), (std::vector<double>{4.0, 3.0}));
-    Load(C, "0:0=1,2=2;3:2=0.5,3=1"); // rows below and above, two right-hand sides
+    CSparseMatrix C; // rows below and above; row 2's own cells go with no correction
+    Load(C, "0:0=1,2=2;2:0=5,2=7;3:2=0.5,3=1");
     CMatrix B2 = Rhs({1, 1, 1, 1, 1, 1, 1, 1}, 2);
     C.UnifyAndZero(2, 2.0, &B2);
     EXPECT_EQ(Dump(C), "0:0=1;2:2=1;3:3=1");
@@ -66,9 +58,6 @@ TEST(SparseStructure, MakeArrayMatDropsALoneOne) {
     delete[] pValues;
     delete[] pCounts;
     delete[] pColumns;
-    CVector v(3, true, 1.0);
-    A.MinDegReorder(v);
-    EXPECT_EQ(Dump(A), "0:0=1;1:0=2,1=3;2:2=1,3=0");
 }
 
 // The operations reach each other through the virtual table, so a derived class's
@@ -91,6 +80,9 @@ public:
 };
 
 TEST(SparseStructure, OverridesAreReached) {
+    CObject *pByName = CRuntimeClass::FromName("CSparseMatrix")->CreateObject();
+    EXPECT_TRUE(pByName->IsKindOf(RUNTIME_CLASS(CVirtRealMat)));
+    delete pByName;
     CountingSparse A;
     CVirtRealMat *pBase = &A;
     LONG dofs[] = {0, 1};
@@ -111,23 +103,4 @@ TEST(SparseStructure, OverridesAreReached) {
     int s[] = {0};
     pBase->Allocate(s, 1);
     EXPECT_EQ(A.m_nClears, 1);
-}
-
-// Created by name; an archive carries none of its contents.
-TEST(SparseStructure, RunTimeClassWithoutContents) {
-    CObject *pObj = CRuntimeClass::FromName("CSparseMatrix")->CreateObject();
-    ASSERT_TRUE(pObj != NULL && pObj->IsKindOf(RUNTIME_CLASS(CVirtRealMat)));
-    Load(*static_cast<CSparseMatrix *>(pObj), "0:0=1");
-    CMemFile file;
-    CArchive store(&file, CArchive::store);
-    store << pObj;
-    store.Close();
-    file.SeekToBegin();
-    CSparseMatrix *pLoaded = NULL;
-    CArchive load(&file, CArchive::load);
-    load >> pLoaded;
-    ASSERT_NE(pLoaded, nullptr);
-    EXPECT_EQ(pLoaded->GetFirstRow(), nullptr);
-    delete pLoaded;
-    delete pObj;
 }
