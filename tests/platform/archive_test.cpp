@@ -44,16 +44,7 @@ TEST(CArchive, ReadStringGivesLinesWithoutTheirEnds) {
 
 // What a loading archive read ahead goes back to the file, on Close and on destruction.
 TEST(CArchive, CloseLeavesTheFileBehindTheLastByteHandedOut) {
-    TempPath path;
-    CFile f(path.c_str(), CFile::modeCreate | CFile::modeReadWrite);
-    {
-        CArchive ar(&f, CArchive::store, 16);
-        ar.WriteString("line1\nline2\n");
-        ar << (LONG)77;
-        ar.Close();
-        EXPECT_EQ(f.GetLength(), 16u);
-    }
-    f.SeekToBegin();
+    CMemFile f("line1\nline2\nM\0\0\0", 16);
     CString s;
     {
         CArchive ar(&f, CArchive::load);
