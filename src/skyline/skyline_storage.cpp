@@ -27,11 +27,11 @@ void CSkylineMatrix::FreeRowTables() {
     m_ppDiag = NULL;
 }
 
-// Frees and makes the three row tables for m_nRows rows, zeroed; false (all three NULL) if an
-// allocation fails.
+// Frees and makes the three row tables for m_nRows rows: every height 1, diagonals unset
+// (zero); false (all three NULL) if an allocation fails.
 bool CSkylineMatrix::MakeRowTables() {
     FreeRowTables();
-    m_pHeights = new (std::nothrow) int[m_nRows]();
+    m_pHeights = new (std::nothrow) int[m_nRows];
     if (m_pHeights)
         m_pDiagIndex = new (std::nothrow) int[m_nRows]();
     if (m_pDiagIndex)
@@ -40,6 +40,7 @@ bool CSkylineMatrix::MakeRowTables() {
         FreeRowTables();
         return false;
     }
+    std::fill(m_pHeights, m_pHeights + m_nRows, 1);
     return true;
 }
 
@@ -124,7 +125,6 @@ bool CSkylineMatrix::Allocate(CReorderMat &graph) {
         m_nRows = n;
         if (!MakeRowTables())
             return false;
-        std::fill(m_pHeights, m_pHeights + n, 1);
     }
     // Each edge lifts the row of its higher label up to the lower label.
     for (int k = 0; k < n; k++) {

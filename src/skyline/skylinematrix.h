@@ -13,7 +13,8 @@
 // - A failed allocation leaves the counts as far as the work had come, NULL for the values
 //   array or for all three row tables, whichever failed, and no address into freed storage;
 //   the next Allocate makes missing arrays again, so the object stays usable (it can be
-//   shaped anew or destroyed). New row tables start zeroed.
+//   shaped anew or destroyed). New row tables start with every height 1, so that
+//   Allocate(CReorderMat &) after a sizing by the order alone still finds valid lower bounds.
 // - BackwSub computes exactly what the row-by-row search of every later row computes (each
 //   right-hand side entry receives the same subtractions in the same order), but walks each
 //   stored row once instead of asking every later row whether it reaches up.

@@ -81,9 +81,9 @@ TEST(SkylineSolve, SmallCasesOfEveryModeAndTheirTiming) {
     EXPECT_EQ(Stored(one), (std::vector<double>{-2}));
 }
 
-TEST(SkylineSolve, RaggedProfileBitForBit) {
-    // Cholesky as the dense root-free elimination of the full lower triangle: nothing is lost
-    // outside the profile, and each term is (L(i, c) * L(j, c)) * D(c).
+TEST(SkylineSolve, CholeskySolveOnARaggedProfile) {
+    // The factors as the dense root-free elimination of the full lower triangle gives them, bit
+    // for bit: nothing is lost outside the profile, and each term is (L(i, c) * L(j, c)) * D(c).
     const int n = 60;
     CSkylineMatrix m;
     MakeRagged(m, n);
@@ -101,36 +101,15 @@ TEST(SkylineSolve, RaggedProfileBitForBit) {
         for (int c = 0; c < i; c++)
             a[i] -= std::pow(a[c], 2.0) * A[c * n + c];
     }
-    m.Cholesky();
-    for (int i = 0; i < n; i++)
-        for (int c = 0; c <= i; c++)
-            ASSERT_EQ(c < m.PeakRow(i) ? 0.0 : m(c, i), A[i * n + c]) << i << " " << c;
-
-    // BackwSub as the search of every later row for those that reach up to row i.
-    for (int nMode = 1; nMode <= 2; nMode++) {
-        CMatrix B = Columns(n, 3), R = Columns(n, 3);
-        m.BackwSub(&B, NULL, nMode);
-        for (int c = 2; c >= 0; c--)
-            for (int i = n - 1; i >= 0; i--) {
-                for (int j = n - 1; j > i; j--)
-                    if (m.PeakRow(j) <= i)
-                        R[i][c] -= m(i, j) * R[j][c];
-                if (nMode == 2)
-                    R[i][c] /= m(i, i);
-            }
-        EXPECT_EQ(Stored(B), Stored(R)) << nMode;
-    }
-}
-
-TEST(SkylineSolve, CholeskySolveReportsAndKeepsFactorsForMoreRightHandSides) {
     ReportRecorder reports;
-    CSkylineMatrix m;
-    MakeRagged(m, 50);
-    CMatrix B = Columns(50, 3), C = Columns(50, 3);
+    CMatrix B = Columns(n, 3), C = Columns(n, 3);
     CVirtMat::m_Flops = 77;
     double dTime = 0.0;
     CVirtRealMat *pBase = &m;
     ASSERT_EQ(pBase->Cholesky_Solve(&B, dTime), 1);
+    for (int i = 0; i < n; i++)
+        for (int c = 0; c <= i; c++)
+            ASSERT_EQ(c < m.PeakRow(i) ? 0.0 : m(c, i), A[i * n + c]) << i << " " << c;
     EXPECT_EQ(CVirtMat::m_Flops, 0u);
     EXPECT_TRUE(dTime >= 0.0 && dTime < 1.0);
     ASSERT_EQ(reports.Texts().size(), 1u);
@@ -139,11 +118,28 @@ TEST(SkylineSolve, CholeskySolveReportsAndKeepsFactorsForMoreRightHandSides) {
                               "Backw. subst.:   {T}\r\n Size stiffm. :   " +
                                   std::to_string(m.m_nValues) + "\r\n Flops        :    0.000e+00"))
         << reports.Texts()[0];
-    // Further right-hand sides through the kept factors equal a fresh solve, bit for bit.
+
+    // Further right-hand sides through the kept factors equal the fresh solve, bit for bit.
     m.ForwSub(&C, NULL, 1);
     m.DiagMult(&C, NULL, -2);
     m.BackwSub(&C, NULL, 1);
     EXPECT_EQ(Stored(C), Stored(B));
+
+    // BackwSub as the search of every later row for those that reach up to row i.
+    for (int nMode = 1; nMode <= 2; nMode++) {
+        CMatrix X = Columns(n, 3), R = Columns(n, 3);
+        m.BackwSub(&X, NULL, nMode);
+        for (int c = 2; c >= 0; c--)
+            for (int i = n - 1; i >= 0; i--) {
+                for (int j = n - 1; j > i; j--)
+                    if (m.PeakRow(j) <= i)
+                        R[i][c] -= m(i, j) * R[j][c];
+                if (nMode == 2)
+                    R[i][c] /= m(i, i);
+            }
+        EXPECT_EQ(Stored(X), Stored(R)) << nMode;
+    }
+
     // A failed factorisation: its result, -1.0 seconds, no report, no change to the sides.
     CFailingSkyline failing;
     Make(failing, {2, 3}, {4, 2, 5});

@@ -88,7 +88,8 @@ TEST(SkylineAllocate, FromGraph) {
     BuildGraph(empty, 0, {});
     loose.PostReorder();
     empty.PostReorder();
-    ASSERT_TRUE(m.Allocate(loose));
+    int order[] = {4}; // new rows by the order alone: heights 1 as lower bounds
+    ASSERT_TRUE(m.Allocate(order, 1) && m.Allocate(loose));
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 1}));
     ASSERT_TRUE(m.Allocate(empty));
     EXPECT_TRUE(m.m_nRows == 0 && !m.m_pValues);
@@ -119,18 +120,16 @@ TEST(SkylineAssembly, UpperHalfInLabelsThroughTheTable) {
 TEST(SkylineClass, CreatedByNameAndArchivedWithoutContents) {
     CRuntimeClass *pClass = CRuntimeClass::FromName("CSkylineMatrix");
     ASSERT_EQ(pClass, RUNTIME_CLASS(CSkylineMatrix));
-    std::unique_ptr<CObject> pObject(pClass->CreateObject());
-    EXPECT_TRUE(pClass->m_wSchema == 1 && pObject->GetRuntimeClass() == pClass &&
-                pObject->IsKindOf(RUNTIME_CLASS(CVirtRealMat)));
-    CSkylineMatrix m, *pRead = nullptr;
+    std::unique_ptr<CVirtMat> pMade(static_cast<CVirtMat *>(pClass->CreateObject()));
     int band[] = {3, 2};
-    ASSERT_TRUE(m.Allocate(band, 2));
+    ASSERT_TRUE(pClass->m_wSchema == 1 && pMade->Allocate(band, 2));
     CMemFile file;
     CArchive store(&file, CArchive::store);
-    store << &m;
+    store << pMade.get();
     store.Close();
     file.SeekToBegin();
     CArchive load(&file, CArchive::load);
+    CSkylineMatrix *pRead = nullptr;
     load >> pRead;
     std::unique_ptr<CSkylineMatrix> pOwned(pRead);
     EXPECT_TRUE(pRead && pRead->m_nRows == 0 && !pRead->m_pValues);
