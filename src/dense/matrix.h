@@ -5,7 +5,7 @@
 // On the road from mesh to solution a CMatrix carries the right-hand sides (one column
 // each) into every solver and receives the solutions in their place. Beside that road it
 // is a small dense algebra of its own: LU with and without pivoting, Cholesky,
-// determinants, products, norms, scans, generators and rotations, all in place.
+// determinants, norms and scans, all in place.
 //
 // The factorisations and solves reach every element through the virtual accessors
 // (GetValue, SetValue, AddValue, GetValueByRef, Multiply), so a derived class sees those
@@ -21,7 +21,6 @@
 // Choices made here:
 // - Resize(0, ...) returns false and changes nothing. GetValue and its kin on a matrix of
 //   0 rows divide by zero: the caller must not ask.
-// - operator()(i, j) is a convenience spelling of GetValueByRef(i, j), through the table.
 // - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
 // - fabsMaxInCol of a column without a comparable magnitude (all NaN) refers to its top.
 // - Eig and AAT are entry points without a body.
@@ -134,7 +133,6 @@ public:
     int GetRows() const { return m_nRows; }
     // Pointer to the first element of row i, so that M[i][j] addresses an element.
     double *operator[](int i) { return m_pVector + i * (m_nSize / m_nRows); }
-    double &operator()(int i, int j) { return GetValueByRef(i, j); }
     bool IsAllocated() const { return m_pVector != NULL; }
 
     // --- storage ---
