@@ -43,15 +43,3 @@ inline void Load(CVector &v, const std::vector<BYTE> &bytes) {
     CArchive ar(&file, CArchive::load);
     v.Serialize(ar);
 }
-
-// Writes the object twice and a null through object records, and reads all three back.
-template <class C> void RoundTrip(C &object, C *&pFirst, C *&pSecond, C *&pNull) {
-    CMemFile file;
-    {
-        CArchive ar(&file, CArchive::store);
-        ar << &object << &object << (CObject *)NULL;
-    }
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
-    ar >> pFirst >> pSecond >> pNull;
-}

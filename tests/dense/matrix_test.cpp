@@ -204,8 +204,16 @@ TEST(MatrixArchive, StreamIsCountElementsRowsAndLoadsBack) {
     Load(target, bytes);
     EXPECT_TRUE(target.m_pVector == pArray && target.GetColumns() == 2 && target == m);
 
+    // Through object records: twice the same object, then a null.
+    CMemFile file;
+    {
+        CArchive ar(&file, CArchive::store);
+        ar << &m << &m << (CObject *)NULL;
+    }
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load);
     CMatrix *pFirst = NULL, *pSecond = NULL, *pNull = &m;
-    RoundTrip(m, pFirst, pSecond, pNull);
+    ar >> pFirst >> pSecond >> pNull;
     EXPECT_TRUE(pFirst == pSecond && pNull == NULL);
     EXPECT_EQ(pFirst->GetRuntimeClass(), RUNTIME_CLASS(CMatrix));
     EXPECT_TRUE(pFirst->GetRows() == 2 && *pFirst == m);
