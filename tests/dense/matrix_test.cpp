@@ -154,9 +154,6 @@ double SumAndSpoil(double *p) {
     p[0] = 1000.0;
     return s;
 }
-double Product3(double *p) {
-    return p[0] * p[1] * p[2];
-}
 } // namespace
 
 TEST(Matrix, ScansOverRowsAndColumns) {
@@ -169,7 +166,7 @@ TEST(Matrix, ScansOverRowsAndColumns) {
     CMatrix three = MakeMatrix(2, 3, {1, 2, 2, 0, 0, 3});
     three.GetMaxMinLength(dMax, dMin, 0, 1, 2, true);
     EXPECT_EQ(V({dMax, dMin}), (V{3, 3}));
-    three.GetMaxMin3(Product3, dMax, dMin, 0, 1, 2, true);
+    three.GetMaxMin3([](double *p) { return p[0] * p[1] * p[2]; }, dMax, dMin, 0, 1, 2, true);
     EXPECT_EQ(V({dMax, dMin}), (V{4, 0}));
 
     // Falling samples: the minimum follows, the maximum stays at the first.

@@ -2,12 +2,12 @@
 #include "platform_test_util.h"
 
 TEST(CFile, OpenFailureReturnsFalseAndTheConstructorThrows) {
-    TempPath missing;
+    const char *pszMissing = "/nonexistent/femmat";
     CFile f;
     CFileException e;
-    EXPECT_FALSE(f.Open(missing.c_str(), CFile::modeRead, &e));
+    EXPECT_FALSE(f.Open(pszMissing, CFile::modeRead, &e));
     EXPECT_EQ(e.m_cause, CFileException::fileNotFound);
-    EXPECT_THROW(CFile(missing.c_str(), CFile::modeRead), CFileException);
+    EXPECT_THROW(CFile(pszMissing, CFile::modeRead), CFileException);
 }
 
 TEST(CFile, SecondExclusiveOpenFailsAndLeavesTheFileAlone) {
