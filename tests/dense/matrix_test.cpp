@@ -143,10 +143,6 @@ TEST(Matrix, Vect2NormModes) {
 
 namespace {
 int g_nCalls = 0;
-double Same(double d) {
-    g_nCalls++;
-    return d;
-}
 // Spoils its scratch array: the next sample must not see that.
 double SumAndSpoil(double *p) {
     g_nCalls++;
@@ -170,7 +166,7 @@ TEST(Matrix, ScansOverRowsAndColumns) {
     EXPECT_EQ(V({dMax, dMin}), (V{4, 0}));
 
     // Falling samples: the minimum follows, the maximum stays at the first.
-    MakeMatrix(4, 1, {4, 3, 2, 1}).GetMaxMin1(Same, dMax, dMin, 0, true);
+    MakeMatrix(4, 1, {4, 3, 2, 1}).GetMaxMin1([](double d) { return d; }, dMax, dMin, 0, true);
     EXPECT_EQ(V({dMax, dMin}), (V{4, 1}));
     CMatrix pairs = MakeMatrix(3, 2, {1, 1, 5, 5, 2, 2});
     pairs.GetMaxMin2(SumAndSpoil, dMax, dMin, 0, 1, true);
