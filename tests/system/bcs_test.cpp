@@ -8,7 +8,8 @@ TEST(CSystSpMatBCs, UnifyAndZero2EliminatesTheColumnInFullStorage) {
     CSystSpMat m(2), t(2), e(2);
     Fill(m, 2, s_Full);
     Fill(t, 2, s_Full);
-    CVector one = Vec({1.0}), three = Vec({3.0}), twice = Vec({1.0, 1.0}), later = Vec({3, 5});
+    CVector one(1, true, 1.0), three(1, true, 3.0), twice(2, true, 1.0), later(2, true, 3.0);
+    later[1] = 5.0;
     CMatrix B(2, 2, true, 1.0), C(2, 1, true, 1.0); // B's two columns get the same value
     m.UnifyAndZero2(one, three, &B);
     EXPECT_EQ(Dump(m), "(0,0)2 (1,1)1");
@@ -31,7 +32,7 @@ TEST(CSystSpMatBCs, SymUnifyAndZeroKeepsThePrescribedValues) {
     // A zero value: row 1 becomes the identity, (0,1) goes, B[1] is 0 and B[0] stays.
     CSystSpMat m(2), c(3), e(2);
     Fill(m, 2, s_Upper);
-    CVector one = Vec({1.0}), zero = Vec({0.0}), truncated = Vec({1.9}), two = Vec({2.0});
+    CVector one(1, true, 1.0), zero(1, true, 0.0), truncated(1, true, 1.9), two(1, true, 2.0);
     CMatrix B(2, 1, true, 7.0), C(3, 1, true, 1.0);
     m.SymUnifyAndZero(one, zero, &B);
     EXPECT_EQ(Dump(m), "(0,0)2 (1,1)1");

@@ -30,13 +30,6 @@ inline void Fill(CSystSpMat &m, int n, const std::vector<double> &a) {
         m.Add(i / n, i % n, a[i]);
 }
 
-inline CVector Vec(const std::vector<double> &values) {
-    CVector v((int)values.size());
-    for (int i = 0; i < (int)values.size(); i++)
-        v[i] = values[i];
-    return v;
-}
-
 inline std::vector<double> Column(CMatrix &B, int k) {
     std::vector<double> v;
     for (int i = 0; i < B.GetRows(); i++)
