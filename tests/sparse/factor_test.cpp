@@ -23,6 +23,7 @@ TEST(SparseFactor, FactorsByHandAndFlops) {
         {"0:0=2,1=1;1:0=4,1=3", true, "0:0=2,1=1;1:0=2,1=1", 0},
         {"0:0=2;1:0=1,1=3", true, "0:0=2;1:0=0.5,1=3", 0}, // nothing behind the diagonal
         {"0:0=-2,1=1;1:0=1,1=1", true, "0:0=-2,1=1;1:0=-0.5,1=1.5", 0}, // no pivoting
+        {"0:0=2,2=1;1:0=0,1=3", true, "0:0=2,2=1;1:0=0,1=3", 0},        // a 0.0 below makes no fill
     };
     for (const auto &t : cases) {
         CSparseMatrix A;

@@ -48,13 +48,13 @@ TEST(SparseStructure, IsSymComparesBothTriangles) {
 
 TEST(SparseStructure, MakeArrayMatDropsALoneOne) {
     CSparseMatrix A;
-    Load(A, "0:0=1;1:0=2,1=3;2:2=1,3=0");
+    Load(A, "0:0=1;1:0=2,1=3;2:2=1,3=0;3:3=2");
     double *pValues = NULL;
     int *pCounts = NULL, *pColumns = NULL;
-    EXPECT_EQ(A.MakeArrayMat(pValues, pCounts, pColumns, 3), 4);
-    EXPECT_EQ(std::vector<int>(pCounts, pCounts + 3), (std::vector<int>{0, 2, 2}));
-    EXPECT_EQ(std::vector<double>(pValues, pValues + 4), (std::vector<double>{2, 3, 1, 0}));
-    EXPECT_EQ(std::vector<int>(pColumns, pColumns + 4), (std::vector<int>{0, 1, 2, 3}));
+    EXPECT_EQ(A.MakeArrayMat(pValues, pCounts, pColumns, 4), 5);
+    EXPECT_EQ(std::vector<int>(pCounts, pCounts + 4), (std::vector<int>{0, 2, 2, 1}));
+    EXPECT_EQ(std::vector<double>(pValues, pValues + 5), (std::vector<double>{2, 3, 1, 0, 2}));
+    EXPECT_EQ(std::vector<int>(pColumns, pColumns + 5), (std::vector<int>{0, 1, 2, 3, 3}));
     delete[] pValues;
     delete[] pCounts;
     delete[] pColumns;
