@@ -11,7 +11,7 @@
 #include <functional>
 
 // Builds lists from the text that Dump writes ("row:col=value,col=value;row:..."); every
-// cell is stored, 0.0 included. Rows without cells cannot be written this way.
+// cell is stored, 0.0 included.
 inline void Load(CSparseMatrix &A, const std::string &text) {
     int nRow = 0;
     for (size_t i = 0; i < text.size();) {
@@ -23,7 +23,14 @@ inline void Load(CSparseMatrix &A, const std::string &text) {
             strCell = strCell.substr(nColon + 1);
         }
         CSparseMatrix::cell *pCell = NULL;
-        A.Add(nRow, std::stoi(strCell), std::stod(strCell.substr(strCell.find('=') + 1)), pCell);
+        CSparseMatrix::row *pRow = NULL;
+        if (strCell.empty()) { // a new row without cells
+            A.Add(nRow, 0, 0.0, pRow);
+            delete pRow->Remove(0);
+        } else {
+            A.Add(nRow, std::stoi(strCell), std::stod(strCell.substr(strCell.find('=') + 1)),
+                  pCell);
+        }
         i = nEnd + 1;
     }
 }
