@@ -4,59 +4,14 @@
 // factorisation, substitution (ForwSub, DiagMult, BackwSub). Each step's processor time is a
 // counter in milliseconds; "values" is the number of stored values, the profile.
 #include "dense/matrix.h"
-#include "reorder/reordermat.h"
+#include "poisson.h"
 #include "skyline/skylinematrix.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <ctime>
-#include <string>
-#include <unistd.h>
-#include <vector>
+using namespace poisson;
 
 namespace {
-
-// Processor time of this thread in ms: the machine is shared, so wall time says less.
-double CpuMs() {
-    timespec ts;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return ts.tv_sec * 1e3 + ts.tv_nsec * 1e-6;
-}
-
-double MsSince(double dStart) {
-    return CpuMs() - dStart;
-}
-
-// The numberings' reports are not shown.
-int Silent(const char *) {
-    return 1;
-}
-
-// Node-level stiffness of the unit square quad, nodes counter-clockwise, times 6.
-const double s_Quad[16] = {4, -1, -2, -1, -1, 4, -1, -2, -2, -1, 4, -1, -1, -2, -1, 4};
-
-std::vector<std::vector<LONG>> GridQuads(int n) {
-    std::vector<std::vector<LONG>> elements;
-    for (int y = 0; y + 1 < n; y++)
-        for (int x = 0; x + 1 < n; x++) {
-            LONG a = y * n + x;
-            elements.push_back({a, a + 1, a + n + 1, a + n});
-        }
-    return elements;
-}
-
-void Assemble(CSkylineMatrix &m, CReorderMat &g, std::vector<std::vector<LONG>> &elements) {
-    double values[16];
-    for (int k = 0; k < 16; k++)
-        values[k] = s_Quad[k] / 6.0;
-    LONG mapped[4];
-    for (auto &e : elements) {
-        for (int k = 0; k < 4; k++)
-            mapped[k] = g.f_v(e[k]);
-        m.AddValues(mapped, values, 4);
-    }
-}
 
 // Zero prescribed values at label p: identity row and column; nothing moves to the right.
 void PrescribeZero(CSkylineMatrix &m, CMatrix &B, int p) {
@@ -75,9 +30,7 @@ void Road(benchmark::State &state) {
     const int n = (int)state.range(0);
     const int nNumbering = (int)state.range(1);
     const int nDOFs = n * n;
-    std::string strScript = "/tmp/bench_skyline_" + std::to_string(getpid()) + ".m";
-    std::string strOldScript = CReorderMat::GetScriptName();
-    CReorderMat::SetScriptName(strScript.c_str());
+    ScriptFile script("bench_skyline");
     AfxReportHandler pfnOld = AfxSetReportHandler(&Silent);
     CVirtMat::m_bSym = true;
 
@@ -85,17 +38,10 @@ void Road(benchmark::State &state) {
     int nValues = 0;
     double dCheck = 0.0;
     for (auto _ : state) {
-        std::vector<std::vector<LONG>> elements = GridQuads(n);
-
         // Graph.
         double t0 = CpuMs();
         CReorderMat g(0);
-        g.Alloc(nDOFs);
-        for (auto &e : elements)
-            g.InsertDOFs(e.data(), 0, 4);
-        g.Init();
-        for (auto &e : elements)
-            g.InsertDOFs(e.data(), 1, 4);
+        BuildGraph(g, n);
         t[0] += MsSince(t0);
 
         // Numbering (with its diagnostic script), then the table of vertex per label.
@@ -119,7 +65,7 @@ void Road(benchmark::State &state) {
 
         // Assembly.
         t0 = CpuMs();
-        Assemble(m, g, elements);
+        Assemble(m, n, &g);
         t[3] += MsSince(t0);
 
         // Prescribed zeros on the edge y = 0.
@@ -140,8 +86,6 @@ void Road(benchmark::State &state) {
         t[6] += MsSince(t0);
         dCheck = B[g.f_v(nDOFs - 1)][0]; // the far corner, the same under every numbering
     }
-    std::remove(strScript.c_str());
-    CReorderMat::SetScriptName(strOldScript.c_str());
     AfxSetReportHandler(pfnOld);
 
     const char *names[7] = {"graph_ms",     "numbering_ms", "profile_ms", "assembly_ms",

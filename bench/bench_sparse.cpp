@@ -3,27 +3,13 @@
 // AddValues, Cholesky_Solve on the upper triangle and LU_Solve on the full lists, and
 // reports the cells after factorisation.
 #include "dense/matrix.h"
-#include "sparse/sparsematrix.h"
+#include "poisson.h"
 
 #include <benchmark/benchmark.h>
 
+using namespace poisson;
+
 namespace {
-
-// Stiffness of a unit square bilinear element for -Laplace, nodes counter-clockwise.
-const double s_ke[16] = {4.0 / 6,  -1.0 / 6, -2.0 / 6, -1.0 / 6, -1.0 / 6, 4.0 / 6,
-                         -1.0 / 6, -2.0 / 6, -2.0 / 6, -1.0 / 6, 4.0 / 6,  -1.0 / 6,
-                         -1.0 / 6, -2.0 / 6, -1.0 / 6, 4.0 / 6};
-
-void Assemble(CSparseMatrix &A, int n) {
-    double ke[16];
-    for (int e = 0; e < (n - 1) * (n - 1); e++) {
-        int i = e / (n - 1), j = e % (n - 1);
-        LONG dofs[4] = {i * n + j, i * n + j + 1, (i + 1) * n + j + 1, (i + 1) * n + j};
-        for (int k = 0; k < 16; k++)
-            ke[k] = s_ke[k]; // AddValues may read the array only; a copy keeps it honest
-        A.AddValues(dofs, ke, 4);
-    }
-}
 
 // Assembled, boundary prescribed, right-hand side of ones; the upper triangle if bUpper.
 void Prepare(CSparseMatrix &A, CMatrix &B, int n, bool bUpper) {
@@ -37,17 +23,6 @@ void Prepare(CSparseMatrix &A, CMatrix &B, int n, bool bUpper) {
     }
     if (bUpper)
         A.MakeUpper();
-}
-
-int CountCells(CSparseMatrix &A) {
-    int nCells = 0;
-    for (CSparseMatrix::row *r = A.GetFirstRow(); r != NULL; r = r->m_pNext)
-        nCells += r->NonZeros();
-    return nCells;
-}
-
-int Silent(const char *) {
-    return 1;
 }
 
 void BM_Assemble(benchmark::State &state) {

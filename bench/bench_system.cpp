@@ -5,30 +5,16 @@
 // counter in milliseconds; "pattern_cells" and "cells" count the cells before and after
 // factorisation.
 #include "dense/matrix.h"
-#include "reorder/reordermat.h"
+#include "poisson.h"
 #include "system/systspmat.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <cstring>
-#include <ctime>
-#include <string>
-#include <unistd.h>
-#include <vector>
+
+using namespace poisson;
 
 namespace {
-
-// Processor time of this thread in ms: the machine is shared, so wall time says less.
-double CpuMs() {
-    timespec ts;
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &ts);
-    return ts.tv_sec * 1e3 + ts.tv_nsec * 1e-6;
-}
-
-double MsSince(double dStart) {
-    return CpuMs() - dStart;
-}
 
 // The seconds of a report's "%u m %2.2f s" piece behind the given label.
 double ReportSeconds(const std::string &strText, const char *pszLabel) {
@@ -48,45 +34,11 @@ int KeepReport(const char *pszText) {
     return 1;
 }
 
-// Node-level stiffness of the unit square quad, nodes counter-clockwise.
-const double s_Quad[16] = {4, -1, -2, -1, -1, 4, -1, -2, -2, -1, 4, -1, -1, -2, -1, 4};
-
-std::vector<std::vector<LONG>> GridQuads(int n) {
-    std::vector<std::vector<LONG>> elements;
-    for (int y = 0; y + 1 < n; y++)
-        for (int x = 0; x + 1 < n; x++) {
-            LONG a = y * n + x;
-            elements.push_back({a, a + 1, a + n + 1, a + n});
-        }
-    return elements;
-}
-
-int CountCells(CSparseMatrix &m) {
-    int nCells = 0;
-    for (CSparseMatrix::row *r = m.m_pFirstRow; r != NULL; r = r->m_pNext)
-        nCells += r->NonZeros();
-    return nCells;
-}
-
-void Assemble(CSystSpMat &m, CReorderMat &g, std::vector<std::vector<LONG>> &elements) {
-    double values[16];
-    for (int k = 0; k < 16; k++)
-        values[k] = s_Quad[k] / 6.0;
-    LONG mapped[4];
-    for (auto &e : elements) {
-        for (int k = 0; k < 4; k++)
-            mapped[k] = g.f_v(e[k]);
-        m.AddValues(mapped, values, 4);
-    }
-}
-
 void Road(benchmark::State &state) {
     const int n = (int)state.range(0);
     const bool bMinDeg = state.range(1) != 0;
     const int nDOFs = n * n;
-    std::string strScript = "/tmp/bench_system_" + std::to_string(getpid()) + ".m";
-    std::string strOldScript = CReorderMat::GetScriptName();
-    CReorderMat::SetScriptName(strScript.c_str());
+    ScriptFile script("bench_system");
     AfxReportHandler pfnOld = AfxSetReportHandler(&KeepReport);
     CVirtMat::m_bSym = true;
 
@@ -94,17 +46,10 @@ void Road(benchmark::State &state) {
     double dAlgorithm = 0.0;
     int nCells = 0, nPatternCells = 0;
     for (auto _ : state) {
-        std::vector<std::vector<LONG>> elements = GridQuads(n);
-
         // Graph.
         double t0 = CpuMs();
         CReorderMat g(0);
-        g.Alloc(nDOFs);
-        for (auto &e : elements)
-            g.InsertDOFs(e.data(), 0, 4);
-        g.Init();
-        for (auto &e : elements)
-            g.InsertDOFs(e.data(), 1, 4);
+        BuildGraph(g, n);
         t[0] += MsSince(t0);
 
         // Numbering (with its diagnostic script), then the table of vertex per label.
@@ -125,7 +70,7 @@ void Road(benchmark::State &state) {
 
         // Assembly.
         t0 = CpuMs();
-        Assemble(m, g, elements);
+        Assemble(m, n, &g);
         t[3] += MsSince(t0);
 
         // Prescribed zeros on the edge y = 0.
@@ -153,7 +98,7 @@ void Road(benchmark::State &state) {
         // Next load: same size keeps the cells; assemble again.
         t0 = CpuMs();
         m.Allocate(g);
-        Assemble(m, g, elements);
+        Assemble(m, n, &g);
         t[7] += MsSince(t0);
     }
 
@@ -170,8 +115,6 @@ void Road(benchmark::State &state) {
 
     CVirtMat::m_bSym = false;
     AfxSetReportHandler(pfnOld);
-    CReorderMat::SetScriptName(strOldScript.c_str());
-    std::remove(strScript.c_str());
 }
 
 } // namespace
