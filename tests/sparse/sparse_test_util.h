@@ -1,6 +1,5 @@
-// Helpers for the CSparseMatrix tests: building lists cell by cell, reading them back as
-// text, table-driven list edits, right-hand
-// sides.
+// Helpers for the CSparseMatrix tests: lists written and read back in one text form,
+// table-driven list edits, right-hand sides.
 #pragma once
 
 #include "../common/femtest.h"
