@@ -37,7 +37,7 @@
 //   cells below it are still scaled and passed, so a lower triangular matrix factorises.
 // - GaussSeidel_Iter with nMaxIter <= 0 runs no sweep, yields -1 and reports nMaxIter as
 //   its (unsigned) iteration count. With vF of size 0 it sweeps over no rows (the symmetric
-//   path never reaches for a last row) and converges at once on a change of 0.0.
+//   path never reaches for a last row): a change of 0.0, below any positive dTol.
 #pragma once
 
 #include "sparse/sparsematrix.h"
