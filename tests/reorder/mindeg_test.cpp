@@ -84,8 +84,9 @@ TEST(MinDegree, ScriptsAndReportsPerVariant) {
 }
 
 TEST(MinDegree, LabelsOfTheSmallExamples) {
-    // Per graph the labels of variants 1 to 4: stars centred at 0 and at 3, one vertex,
-    // five vertices without edges.
+    // Per graph the labels of variants 1 to 4: stars centred at 0 and at 3, a triangle
+    // with a tail and an isolated vertex (where variant 4's chain goes on thanks to its
+    // gap), one vertex, five vertices without edges.
     struct Case {
         int n;
         ElementList elements;
@@ -93,6 +94,9 @@ TEST(MinDegree, LabelsOfTheSmallExamples) {
     } cases[] = {
         {4, {{0, 1}, {0, 2}, {0, 3}}, {{0, 1, 2, 3}, {2, 0, 1, 3}, {2, 0, 1, 3}, {2, 0, 1, 3}}},
         {4, {{3, 0}, {3, 1}, {3, 2}}, {{1, 2, 3, 0}, {0, 1, 2, 3}, {1, 2, 3, 0}, {0, 1, 3, 2}}},
+        {5,
+         {{0, 1}, {0, 2}, {1, 2}, {2, 3}},
+         {{3, 2, 1, 4, 0}, {2, 3, 4, 1, 0}, {0, 1, 3, 2, 4}, {3, 4, 2, 1, 0}}},
         {1, {}, {{0}, {0}, {0}, {0}}},
         {5, {}, std::vector<Longs>(4, Longs{0, 1, 2, 3, 4})}};
     ScriptDir dir;
