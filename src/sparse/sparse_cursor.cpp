@@ -1,7 +1,6 @@
 // CSparseMatrix cursor insertion: the Add family, element assembly and summing assignment.
 // A cursor is the caller's hint where the last write landed; one standing past the target
 // falls back to the head, so a wrong but harmless cursor only costs a restart.
-#include <cstdint>
 
 #include "sparse/sparse_internal.h"
 #include "sparse/sparsematrix.h"
@@ -79,35 +78,11 @@ void CSparseMatrix::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pC
 void CSparseMatrix::AddValues(LONG *pDOFs, double *pValues, int n) {
     if (n < 1)
         return;
-    int m = 0;
-    int64_t nLargest = -1;
-    for (int i = 0; i < n; i++) {
-        if (pDOFs[i] >= 0) {
-            m++;
-            if (pDOFs[i] > nLargest)
-                nLargest = pDOFs[i];
-        }
-    }
-    if (m == 0)
+    int *pOrder = new int[n];
+    int m = SelectAscending(pDOFs, n, pOrder);
+    if (m == 0) {
+        delete[] pOrder;
         return;
-
-    // selection of the local indices by ascending number; prev + 1 cannot be beaten
-    int *pOrder = new int[m];
-    int64_t nPrev = -1;
-    int nFound = 0;
-    for (int p = 0; p < m; p++) {
-        int64_t nBest = nLargest + 1;
-        for (int i = 0; i < n; i++) {
-            int64_t d = pDOFs[i];
-            if (d > nPrev && d < nBest) {
-                nBest = d;
-                nFound = i;
-                if (d == nPrev + 1)
-                    break;
-            }
-        }
-        pOrder[p] = nFound;
-        nPrev = pDOFs[nFound];
     }
 
     // row by row with both cursors

@@ -35,6 +35,36 @@ inline void FreeCellsLeftOfDiagonal(CSparseMatrix::row *r) {
     r->m_pFirstCell = p;
 }
 
+// Lists the local indices of the non-negative entries of pDOFs by ascending number into
+// pOrder (room for n) and yields their count: the selection order of AddValues. Of equal
+// numbers the first wins; a repeated number makes the remaining places repeat the index
+// found last, as the selection naturally does.
+inline int SelectAscending(const LONG *pDOFs, int n, int *pOrder) {
+    int m = 0;
+    for (int k = 0; k < n; k++)
+        if (pDOFs[k] >= 0)
+            m++;
+    LONG nPrev = -1;
+    int nBest = 0;
+    for (int p = 0; p < m; p++) {
+        bool bFound = false;
+        for (int k = 0; k < n; k++) {
+            if (pDOFs[k] <= nPrev)
+                continue;
+            if (!bFound || pDOFs[k] < pDOFs[nBest]) {
+                nBest = k;
+                bFound = true;
+                // Nothing can beat the next number.
+                if (pDOFs[k] == nPrev + 1)
+                    break;
+            }
+        }
+        pOrder[p] = nBest;
+        nPrev = pDOFs[nBest];
+    }
+    return m;
+}
+
 // Elapsed ticks since nStart; a difference of two signed 32-bit clock readings.
 inline double TicksSince(LONG nStart) {
     return (double)(LONG)((ULONG)AfxClock() - (ULONG)nStart);

@@ -2,6 +2,7 @@
 #include "system/systspmat.h"
 
 #include "reorder/reordermat.h"
+#include "sparse/sparse_internal.h"
 
 IMPLEMENT_SERIAL(CSystSpMat, CSparseMatrix, 1)
 
@@ -134,40 +135,11 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell
     pRow->Add(nCol, dValue, pCell);
 }
 
-// Lists the local indices of the non-negative entries by ascending number into pOrder and
-// yields their count. A repeated number makes the remaining places repeat the index found
-// last, as the selection naturally does.
-static int SortLocalIndices(const LONG *pDOFs, int n, int *pOrder) {
-    int m = 0;
-    for (int k = 0; k < n; k++)
-        if (pDOFs[k] >= 0)
-            m++;
-    LONG nPrev = -1;
-    int nBest = 0;
-    for (int p = 0; p < m; p++) {
-        bool bFound = false;
-        for (int k = 0; k < n; k++) {
-            if (pDOFs[k] <= nPrev)
-                continue;
-            if (!bFound || pDOFs[k] < pDOFs[nBest]) {
-                nBest = k;
-                bFound = true;
-                // Nothing can beat the next number.
-                if (pDOFs[k] == nPrev + 1)
-                    break;
-            }
-        }
-        pOrder[p] = nBest;
-        nPrev = pDOFs[nBest];
-    }
-    return m;
-}
-
 void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
     if (n < 1)
         return;
     int *pOrder = new int[n];
-    int m = SortLocalIndices(pDOFs, n, pOrder);
+    int m = sparse_detail::SelectAscending(pDOFs, n, pOrder);
 
     // Each row of the element is one pass along its table row with a cell cursor.
     const bool bSym = CVirtMat::m_bSym;
