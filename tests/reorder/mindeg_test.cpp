@@ -25,13 +25,13 @@ static void RunVariant(CReorderMat &g, int nVariant, const ScriptDir &dir) {
     if (nVariant == 1) {
         CFile f(dir.Script().c_str(), CFile::modeCreate | CFile::modeReadWrite);
         g.MinDegReorder(&f);
-    } else if (nVariant == 2) {
-        g.MinDegReorder2();
-    } else if (nVariant == 3) {
-        g.MinDegReorder3();
-    } else {
-        g.MinDegReorder4();
     }
+    if (nVariant == 2)
+        g.MinDegReorder2();
+    if (nVariant == 3)
+        g.MinDegReorder3();
+    if (nVariant == 4)
+        g.MinDegReorder4();
 }
 
 // At each report: its text, the script as it stands, and whether the script is closed.
