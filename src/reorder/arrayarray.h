@@ -9,6 +9,8 @@
 //
 // It has no run-time record of its own and reports CVirtMat as its class; it is never
 // archived. Only the instantiation on LONG is used.
+//
+// Choice made here: Copy onto the object itself leaves it as it is.
 #pragma once
 
 #include "frame/virtmat.h"

@@ -14,7 +14,7 @@
 // SetScriptName ("Reord.m" in the working directory by default) with
 // modeCreate | modeReadWrite | shareExclusive; if that fails they do nothing at all.
 //
-// Choices where the description leaves room:
+// Choices made here:
 // - Both constructors set m_pZ to NULL and m_nZ to 0, so that nothing reads an undefined
 //   value; the protected one still leaves m_nMode to the derived class.
 // - The chain of SetLabels is a loop, so a chain as long as the graph costs no stack.
@@ -26,7 +26,6 @@
 //   moment of the union) so that the union is linear; counts are whole again on return.
 // - MatlabWrite gathers its lines into blocks of some 64 KB before writing; the bytes are
 //   those of one write per line.
-// - Copy onto the object itself leaves it as it is.
 // - MinDegReorder4 stops numbering if no unnumbered vertex has a degree below n, which
 //   only a vertex listed as its own neighbour can bring about.
 // - TabuReorder, TabuReorder2, GetClosestToMid, NumMovables, IsCandidate, mid, InitTabu,

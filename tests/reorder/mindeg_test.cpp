@@ -111,7 +111,7 @@ TEST(MinDegree, LabelsOfTheSmallExamples) {
     }
 }
 
-// Variants 1 to 3 as described, each turn scanning all vertices (variant 2 without its
+// Variants 1 to 3 the plain way, each turn scanning all vertices (variant 2 without its
 // lower bound, which only shortens the scan).
 static Longs FullScan(const CReorderMat &g, int nVariant) {
     int n = g.m_nRows;
@@ -146,7 +146,7 @@ static Longs FullScan(const CReorderMat &g, int nVariant) {
     return f;
 }
 
-TEST(MinDegree, MeshGraphsAgreeWithTheDescribedScans) {
+TEST(MinDegree, MeshGraphsAgreeWithFullScans) {
     ScriptDir dir;
     ReportRecorder reports;
     for (const char *pszName : {"dwt_59", "bcsstk01", "can_144", "dwt_234", "can_445"}) {
