@@ -5,7 +5,7 @@
 // vertex order, of least score. Scanning all vertices for it makes a run quadratic (on a
 // 200 by 200 grid of quads 1 s for variant 2, 6 s for variant 3, 15 s for variant 1); here
 // minimum trees give the same vertex in log time and a turn rescores only the vertices
-// whose score it changed (the three together then take some 60 ms there).
+// whose score it changed (each then takes 20 ms or less there).
 #include "reorder/reordermat.h"
 
 #include <algorithm>
