@@ -4,26 +4,26 @@
 
 float CReorderMat::WFun(int) {
     return 0.0f;
-} // body comes with the Hager numberings
+}
 
-void CReorderMat::Hager1() {} // body comes with the Hager numberings
+void CReorderMat::Hager1() {}
 
-void CReorderMat::Hager2() {} // body comes with the Hager numberings
+void CReorderMat::Hager2() {}
 
-void CReorderMat::Hager3() {} // body comes with the Hager numberings
+void CReorderMat::Hager3() {}
 
 int CReorderMat::MinZ() {
     return 0;
-} // body comes with the Hager numberings
+}
 
 float CReorderMat::S_k(int) {
     return 0.0f;
-} // body comes with the Hager numberings
+}
 
 int CReorderMat::d_k(int) {
     return 0;
-} // body comes with the Hager numberings
+}
 
 int CReorderMat::r_k(int) {
     return 0;
-} // body comes with the Hager numberings
+}

@@ -4,22 +4,22 @@
 
 int CReorderMat::GetClosestToMid(int v) {
     return v;
-} // body comes with the tabu search
+}
 
-void CReorderMat::TabuReorder2() {} // body comes with the tabu search
+void CReorderMat::TabuReorder2() {}
 
 int CReorderMat::NumMovables(int, int) {
     return 0;
-} // body comes with the tabu search
+}
 
-void CReorderMat::TabuReorder() {} // body comes with the tabu search
+void CReorderMat::TabuReorder() {}
 
 bool CReorderMat::IsCandidate(int, int) {
     return false;
-} // body comes with the tabu search
+}
 
 int CReorderMat::mid(int &) {
     return 0;
-} // body comes with the tabu search
+}
 
-void CReorderMat::InitTabu(LONG) {} // body comes with the tabu search
+void CReorderMat::InitTabu(LONG) {}
