@@ -64,7 +64,7 @@ TEST(SkylineAllocate, FromSizes) {
 }
 
 TEST(SkylineAllocate, FromGraph) {
-    CReorderMat g(0), loose(0), empty(0);
+    CReorderMat g(0), loose(0);
     BuildGraph(g, 3, {{0, 1}, {1, 2}});
     g.PostReorder();
     CSkylineMatrix m, fresh;
@@ -72,8 +72,7 @@ TEST(SkylineAllocate, FromGraph) {
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 2}));
     EXPECT_EQ(m.PeakRow(2), 1);
     // Labels 1, 2, 0 (not their own inverse): edges 1-2 and 2-0 in labels. A new matrix takes
-    // the new profile; the same order keeps the old heights as lower bounds. The graph is
-    // only read.
+    // the new profile; the same order keeps the old heights as lower bounds.
     const LONG labels[] = {1, 2, 0};
     std::copy(labels, labels + 3, g.m_pLabels);
     g.PostReorder();
@@ -82,17 +81,12 @@ TEST(SkylineAllocate, FromGraph) {
     EXPECT_EQ(FreshShape(fresh), (std::vector<int>{1, 1, 3}));
     EXPECT_EQ(fresh.PeakRow(2), 0);
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(std::vector<LONG>(g.m_ppRows[1], g.m_ppRows[1] + 2), (std::vector<LONG>{0, 2}));
-    // No edges: a diagonal; no vertices: cleared.
+    // No edges give a diagonal, also after rows made by the order alone (heights 1 as bounds).
     BuildGraph(loose, 4, {{0}, {1, -1}, {3}});
-    BuildGraph(empty, 0, {});
     loose.PostReorder();
-    empty.PostReorder();
-    int order[] = {4}; // new rows by the order alone: heights 1 as lower bounds
+    int order[] = {4};
     ASSERT_TRUE(m.Allocate(order, 1) && m.Allocate(loose));
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 1}));
-    ASSERT_TRUE(m.Allocate(empty));
-    EXPECT_TRUE(m.m_nRows == 0 && !m.m_pValues);
 }
 
 TEST(SkylineAssembly, UpperHalfInLabelsThroughTheTable) {
@@ -113,16 +107,16 @@ TEST(SkylineAssembly, UpperHalfInLabelsThroughTheTable) {
     m.AddValues(twice, block, 2);
     m.AddValues(apart, zeros, 2);
     EXPECT_EQ(std::vector<double>(m.m_pValues, m.m_pValues + 3), (std::vector<double>{1, 15, 2}));
-    EXPECT_TRUE(&(*pBase = 1.5) == pBase && &(*pBase += 0.25) == pBase);
+    *pBase += 0.25;
     EXPECT_EQ(m.m_pValues[0] + m.m_pValues[2], 3.5);
 }
 
 TEST(SkylineClass, CreatedByNameAndArchivedWithoutContents) {
     CRuntimeClass *pClass = CRuntimeClass::FromName("CSkylineMatrix");
-    ASSERT_EQ(pClass, RUNTIME_CLASS(CSkylineMatrix));
+    ASSERT_TRUE(pClass == RUNTIME_CLASS(CSkylineMatrix) && pClass->m_wSchema == 1);
     std::unique_ptr<CVirtMat> pMade(static_cast<CVirtMat *>(pClass->CreateObject()));
     int band[] = {3, 2};
-    ASSERT_TRUE(pClass->m_wSchema == 1 && pMade->Allocate(band, 2));
+    ASSERT_TRUE(pMade->Allocate(band, 2));
     CMemFile file;
     CArchive store(&file, CArchive::store);
     store << pMade.get();
@@ -135,12 +129,13 @@ TEST(SkylineClass, CreatedByNameAndArchivedWithoutContents) {
     EXPECT_TRUE(pRead && pRead->m_nRows == 0 && !pRead->m_pValues);
 }
 
+// Each failure leaves NULL where the allocation failed; the next Allocate makes it again.
 TEST(SkylineAllocate, FailedAllocationYieldsFalseAndTheObjectStaysUsable) {
     CSkylineMatrix m;
     CReorderMat g(0);
     BuildGraph(g, 4, {{0, 3}});
     g.PostReorder();
-    int values[] = {1000, 200000}, rows[] = {200000, 200000}, band[] = {4, 2};
+    int values[] = {1000, 200000}, rows[] = {200000, 200000};
     s_nHeapLimit = 1 << 20;
     EXPECT_FALSE(m.Allocate(values, 2)); // 1.6 MB of values
     EXPECT_EQ(m.m_pValues, nullptr);
@@ -149,9 +144,6 @@ TEST(SkylineAllocate, FailedAllocationYieldsFalseAndTheObjectStaysUsable) {
     s_nHeapLimit = 40;
     EXPECT_FALSE(m.Allocate(g)); // the row tables fit, the 7 values don't
     s_nHeapLimit = SIZE_MAX;
-    EXPECT_EQ(m.m_nRows, 4);
-    ASSERT_TRUE(m.Allocate(g));
+    ASSERT_TRUE(m.m_nRows == 4 && m.Allocate(g));
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 4}));
-    ASSERT_TRUE(m.Allocate(band, 2));
-    EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 2, 2, 2}));
 }
