@@ -94,11 +94,3 @@ TEST(SparseCursor, AddValuesReadsOnlyTheSelectedEntries) {
     Z.AddValues(scattered, zeros, 5);
     EXPECT_EQ(Dump(Z), "3:3=0;4:3=0,7=2.5;6:3=0;7:3=0,4=1.5");
 }
-
-TEST(SparseCursor, AssignmentSumsAndSkipsZeros) {
-    CSparseMatrix A, B;
-    Load(A, "0:0=1");
-    Load(B, "0:0=2;1:1=0;3:0=-1");
-    EXPECT_EQ(&(A = B), &A);
-    EXPECT_EQ(Dump(A), "0:0=3;3:0=-1");
-}

@@ -8,29 +8,22 @@
 #include "sparse/sparsematrix.h"
 
 #include <functional>
+#include <sstream>
 
 // Builds lists from the text that Dump writes ("row:col=value,col=value;row:..."); every
-// cell is stored, 0.0 included.
+// cell is stored, 0.0 included, and "row:" makes a row without cells.
 inline void Load(CSparseMatrix &A, const std::string &text) {
-    int nRow = 0;
-    for (size_t i = 0; i < text.size();) {
-        size_t nEnd = std::min(text.find_first_of(",;", i), text.size());
-        std::string strCell = text.substr(i, nEnd - i);
-        size_t nColon = strCell.find(':');
-        if (nColon != std::string::npos) {
-            nRow = std::stoi(strCell);
-            strCell = strCell.substr(nColon + 1);
-        }
-        CSparseMatrix::cell *pCell = NULL;
+    std::istringstream rows(text);
+    for (std::string strRow; std::getline(rows, strRow, ';');) {
+        const int nRow = std::stoi(strRow);
         CSparseMatrix::row *pRow = NULL;
-        if (strCell.empty()) { // a new row without cells
+        std::istringstream cells(strRow.substr(strRow.find(':') + 1));
+        for (std::string strCell; std::getline(cells, strCell, ',');)
+            A.Add(nRow, std::stoi(strCell), std::stod(strCell.substr(strCell.find('=') + 1)), pRow);
+        if (pRow == NULL) {
             A.Add(nRow, 0, 0.0, pRow);
             delete pRow->Remove(0);
-        } else {
-            A.Add(nRow, std::stoi(strCell), std::stod(strCell.substr(strCell.find('=') + 1)),
-                  pCell);
         }
-        i = nEnd + 1;
     }
 }
 
@@ -57,17 +50,17 @@ struct ListCase {
 };
 
 inline void ExpectListCases(const std::vector<ListCase> &cases) {
-    for (size_t k = 0; k < cases.size(); k++) {
+    for (const ListCase &t : cases) {
         CSparseMatrix A;
-        Load(A, cases[k].pszBefore);
-        cases[k].edit(A);
-        EXPECT_EQ(Dump(A), cases[k].pszAfter) << "case " << k;
+        Load(A, t.pszBefore);
+        t.edit(A);
+        EXPECT_EQ(Dump(A), t.pszAfter) << t.pszBefore;
     }
 }
 
-// Right-hand sides from row-major values, nCols to a row.
-inline CMatrix Rhs(const std::vector<double> &v, int nCols = 1) {
-    CMatrix B((int)v.size() / nCols, nCols, false, 0.0);
+// A right-hand side of one column.
+inline CMatrix Rhs(const std::vector<double> &v) {
+    CMatrix B((int)v.size(), 1, false, 0.0);
     std::copy(v.begin(), v.end(), B.m_pVector);
     return B;
 }
