@@ -6,22 +6,21 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <vector>
 
 typedef std::vector<double> V;
 
 inline CVector MakeVector(const V &values) {
     CVector v((int)values.size(), false, 0.0);
-    for (int i = 0; i < v.m_nSize; i++)
-        v[i] = values[i];
+    std::copy(values.begin(), values.end(), v.m_pVector);
     return v;
 }
 
 // An r by c matrix with the given elements in row-major order.
 inline CMatrix MakeMatrix(int nRows, int nCols, const V &values) {
     CMatrix m(nRows, nCols, false, 0.0);
-    for (int k = 0; k < m.m_nSize; k++)
-        m.m_pVector[k] = values[k];
+    std::copy(values.begin(), values.begin() + m.m_nSize, m.m_pVector);
     return m;
 }
 

@@ -4,50 +4,47 @@
 
 #include <cmath>
 
-TEST(Vector, AllocateAndAssignmentKeepOrReplaceTheArray) {
-    EXPECT_EQ(CVector(0, true, 1.0).GetVector(), nullptr);
-    CVector v;
-    EXPECT_FALSE(v.Allocate(0, true, 1.0));
-    EXPECT_TRUE(v.Allocate(3, true, 2.5));
+TEST(Vector, AllocateTruncAndArrayHandover) {
+    CVector v = MakeVector({2.5, 9, 2.5});
     double *pArray = v.GetVector();
-    v[1] = 9.0;
     int sizes[2] = {3, 0};
     EXPECT_TRUE(v.Allocate(sizes, 2)); // the same size, not initialised: all kept
     EXPECT_EQ(v.GetVector(), pArray);
     EXPECT_EQ(Flat(v), (V{2.5, 9, 2.5}));
-    v = MakeVector({4, 5, 6}); // an equal size keeps the array too
-    EXPECT_EQ(v.GetVector(), pArray);
-    EXPECT_EQ(Flat(CVector(&v)), (V{4, 5, 6}));
-    v = CVector();
+    EXPECT_FALSE(v.Allocate(0, true, 1.0));
+    EXPECT_EQ(v.GetVector(), nullptr);
+
+    CVector t = MakeVector({0, 1, 2, 3, 4}), w = t;
+    t.Trunc(1, 3);
+    EXPECT_EQ(Flat(t), (V{1, 2}));
+    w.Trunc(1, 0);
+    EXPECT_EQ(Flat(w), (V{1, 2, 3, 4}));
+    w.Trunc(3, 3);
+    EXPECT_EQ(w.GetVector(), nullptr);
+
+    // Handed-over arrays are owned and freed by their new holder.
+    v.SetVector(2, new double[2]{8, 9});
+    w.SwitchVectors(&v);
+    EXPECT_EQ(Flat(w), (V{8, 9}));
     EXPECT_EQ(v.GetVector(), nullptr);
 }
 
 TEST(Vector, AdditionsGrowToTheLongerOperand) {
-    CVector three = MakeVector({1, 2, 3}), five = MakeVector({10, 20, 30, 40, 50}), e1, e2;
-    CVector sum = three, diff = three, add = three, longer = five, lin;
-    sum += five;
-    diff -= five;
+    CVector three = MakeVector({1, 2, 3}), five = MakeVector({10, 20, 30, 40, 50}), add = three;
     add.Add(five, 0.5);
-    longer -= three;
-    e1 += e2;
-    lin.LinComb(2.0, three, 0.5, five);
-    EXPECT_EQ(Flat(sum), (V{11, 22, 33, 40, 50}));
-    EXPECT_EQ(Flat(diff), (V{-9, -18, -27, -40, -50}));
     EXPECT_EQ(Flat(add), (V{6, 12, 18, 20, 25}));
-    EXPECT_EQ(Flat(longer), (V{9, 18, 27, 40, 50}));
-    EXPECT_EQ(Flat(lin), (V{7, 14, 21, 20, 25}));
-    EXPECT_EQ(e1.GetVector(), nullptr);
-    EXPECT_EQ(Flat(three), (V{1, 2, 3})); // operands unchanged
+    EXPECT_EQ(Flat(CVector(three) += five), (V{11, 22, 33, 40, 50}));
+    EXPECT_EQ(Flat(CVector(three) -= five), (V{-9, -18, -27, -40, -50}));
+    EXPECT_EQ(Flat(CVector(five) -= three), (V{9, 18, 27, 40, 50}));
+    EXPECT_EQ(Flat(CVector().LinComb(2.0, three, 0.5, five)), (V{7, 14, 21, 20, 25}));
 
     // The target may be an operand of full length.
     three += three;
     five.LinComb(1.0, five, -1.0, three);
     EXPECT_EQ(Flat(five), (V{8, 16, 24, 40, 50}));
-    lin.LinComb(1.0, e1, 1.0, e2);
-    EXPECT_EQ(lin.GetVector(), nullptr);
 }
 
-TEST(Vector, ReductionsNormsAndElementwise) {
+TEST(Vector, NormsAndAplusBC) {
     CVector v = MakeVector({3, -1, 2}), w = MakeVector({1, 2, 3, 4, 5}), e;
     EXPECT_EQ(V({v.Sum(), v.Mean(), v.ZeroNorm(), v.InfNorm(), v.PNorm(1.0), v.PNorm(3.0)}),
               V({4, 4.0 / 3, 1, 3, 6, pow(36.0, 1.0 / 3.0)}));
@@ -55,80 +52,34 @@ TEST(Vector, ReductionsNormsAndElementwise) {
     EXPECT_EQ(v.Dot(w), 7.0); // three products
     EXPECT_EQ(CVector(4, true, 0.0).PNorm(0.0), 4.0);
 
-    CVector zero(3, true, 0.0), n = MakeVector({3, 4});
-    EXPECT_EQ(zero.Normalize(), 0.0);
-    EXPECT_TRUE(zero == 0.0);
-    EXPECT_EQ(n.Normalize(), 5.0);
-    EXPECT_EQ(Flat(n), (V{3.0 / 5.0, 4.0 / 5.0}));
-
-    v *= 2.0;
-    v /= 4.0;
-    v.Scale(&w);
-    EXPECT_EQ(Flat(v), (V{1.5, -1, 3}));
-    v.SetIncremental(0.1, 1.0);
-    EXPECT_EQ(Flat(v), (V{1.0, 1.0 + 0.1, 1.0 + 0.1 + 0.1})); // running sums
-    CVector a = MakeVector({1, 0, 1}), b = MakeVector({0, 1, 0});
-    v.CrossProd(&a, &b);
-    EXPECT_EQ(Flat(v), (V{-1, 0, 1}));
-
-    LONG idx[4] = {2, -1, 0, 2};
-    double val[4] = {1.0, 100.0, 2.0, 0.5};
-    v.AddValues(idx, val, 4);
-    EXPECT_EQ(Flat(v), (V{1, 0, 2.5}));
-    CVector::AplusBC(val, val + 2, 2, 0.0); // 0.0 means no factor, not nothing
-    EXPECT_EQ(V(val, val + 2), (V{3, 100.5}));
+    double a[2] = {1, 100}, b[2] = {2, 0.5};
+    CVector::AplusBC(a, b, 2, 0.0); // 0.0 means no factor, not nothing
+    EXPECT_EQ(V(a, a + 2), (V{3, 100.5}));
 }
 
 TEST(Vector, SearchesExtremesAndComparison) {
     CVector v = MakeVector({2, 5, 5, 1, 1, 7});
-    EXPECT_EQ(v.Find(5.0, 0, 0), 1); // nEnd 0 searches to the end
-    EXPECT_EQ(v.Find(5.0, 2, 0), 2);
-    EXPECT_EQ(v.Find(7.0, 0, 5), -1);
-    EXPECT_EQ(v.Find(7.0, 6, 0), -1);
-    EXPECT_EQ(v.Count(1.0, 0, 0), 2);
-    EXPECT_EQ(v.Count(1.0, 4, 6), 1);
-    EXPECT_EQ(v.Count(1.0, 6, 0), 0);
+    // nEnd 0 means the end; the range excludes nEnd; a start at the end finds nothing.
+    std::vector<int> found = {v.Find(5.0, 0, 0),  v.Find(7.0, 0, 5),  v.Find(7.0, 6, 0),
+                              v.Count(1.0, 0, 0), v.Count(1.0, 4, 6), v.Count(1.0, 6, 0)};
+    EXPECT_EQ(found, (std::vector<int>{1, -1, -1, 2, 1, 0}));
     EXPECT_EQ(&v.Min(), &v[3]); // the first of equal extremes
     v.Max() = 0.0;
     EXPECT_EQ(&v.Max(), &v[1]);
 
-    CVector a = MakeVector({1, 2}), b = MakeVector({1, 2}), c = MakeVector({1, 2, 0}), e, e2;
-    EXPECT_TRUE(a == b && a != c);
-    b[1] = std::nextafter(2.0, 3.0);
-    EXPECT_TRUE(a != b);
+    CVector a = MakeVector({1, 2}), e, e2;
+    EXPECT_TRUE(a == MakeVector({1, 2}) && a != MakeVector({1, 2, 0}));
+    EXPECT_TRUE(a != MakeVector({1, std::nextafter(2.0, 3.0)})); // exact, no tolerance
     EXPECT_TRUE(e == e2 && e == 0 && e == 1.5 && e != CVector(1, true, 0.0));
     EXPECT_TRUE(CVector(3, true, 1.0) == 1 && CVector(3, true, 1.0) != 2);
-}
-
-TEST(Vector, TruncAndArrayHandover) {
-    CVector v = MakeVector({0, 1, 2, 3, 4}), w = v;
-    v.Trunc(1, 3);
-    EXPECT_EQ(Flat(v), (V{1, 2}));
-    w.Trunc(1, 0);
-    EXPECT_EQ(Flat(w), (V{1, 2, 3, 4}));
-    w.Trunc(3, 3);
-    EXPECT_EQ(w.GetVector(), nullptr);
-
-    double *pOwn = new double[2]{8, 9};
-    v.SetVector(2, pOwn);
-    double *pOld = v.ReplaceVector(new double[1]{5}, 1);
-    EXPECT_EQ(pOld, pOwn);
-    delete[] pOld;
-    w = MakeVector({1, 2, 3});
-    w.SwitchVectors(&v);
-    EXPECT_EQ(Flat(w), (V{5}));
-    EXPECT_EQ(Flat(v), (V{1, 2, 3}));
 }
 
 namespace {
 // Overrides that the vector's own operations must reach through the table.
 class CCountingVector : public CVector {
 public:
-    int m_nSumCalls = 0, m_nAllocCalls = 0;
-    double Sum() override {
-        m_nSumCalls++;
-        return 10.0;
-    }
+    int m_nAllocCalls = 0;
+    double Sum() override { return 10.0; }
     using CVector::Allocate;
     bool Allocate(int nSize, bool bInit, double dValue) override {
         m_nAllocCalls++;
@@ -145,7 +96,6 @@ TEST(Vector, VirtualCallsReachOverrides) {
     CVector a = MakeVector({1, 2, 3});
     v.LinComb(1.0, a, 1.0, a);
     v.CrossProd(&a, &a);
-    EXPECT_EQ(v.m_nSumCalls, 1);
     EXPECT_EQ(v.m_nAllocCalls, 2);
 }
 
@@ -156,7 +106,7 @@ TEST(VectorArchive, StreamIsByteExactAndLoadsBack) {
     EXPECT_EQ(bytes, (std::vector<BYTE>{2, 0, 0, 0, 0, 0, 0, 0,   0, 0, 0xF0, 0x3F, //
                                         0, 0, 0, 0, 0, 0, 0, 0xC0}));
 
-    // An unchanged count keeps the array; another count replaces it; 0 empties.
+    // An unchanged count keeps the array; another count replaces it.
     CVector same(2, true, 0.0), other(5, true, 0.0);
     double *pArray = same.GetVector();
     Load(same, bytes);
@@ -164,8 +114,4 @@ TEST(VectorArchive, StreamIsByteExactAndLoadsBack) {
     EXPECT_TRUE(same == v);
     Load(other, bytes);
     EXPECT_TRUE(other == v);
-    Load(other, Store(empty));
-    EXPECT_EQ(other.GetVector(), nullptr);
-    bytes.resize(bytes.size() - 3);
-    EXPECT_THROW(Load(other, bytes), CArchiveException);
 }
