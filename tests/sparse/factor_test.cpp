@@ -105,24 +105,24 @@ TEST(SparseFactor, SubstitutionModesByHand) {
     Load(L, "0:0=2,1=1;1:0=0.5,1=4,2=1;2:0=0.25,1=0.5,2=8");
     Load(U, "0:0=2,1=1,2=0.5;1:1=4,2=0.25;2:2=8");
     Load(D, "0:0=2;1:0=1,2=3;2:2=4");
+    const auto Forw = &CSparseMatrix::ForwSub, Backw = &CSparseMatrix::BackwSub,
+               Diag = &CSparseMatrix::DiagMult;
     const struct {
         CSparseMatrix *pM;
-        void (CSparseMatrix::*pfnStep)(CVirtMat *, double *, int);
+        decltype(Forw) pfnStep;
         int nMode;
         std::vector<double> expected;
     } cases[] = {
-        {&L, &CSparseMatrix::ForwSub, 2, {0.5, 0.4375, 0.33203125}},
-        {&U, &CSparseMatrix::ForwSub, -2, {0.5, 0.375, 0.33203125}},
-        {&U, &CSparseMatrix::ForwSub, 3, {1.0, 2.0, 3.0}},
-        {&U, &CSparseMatrix::BackwSub, 2, {0.16796875, 0.4765625, 0.375}},
-        {&L,
-         &CSparseMatrix::BackwSub,
-         2,
-         {0.296875, 0.40625, 0.375}}, // cells left of the diagonal passed over
-        {&U, &CSparseMatrix::BackwSub, -1, {1.0, 2.0, 3.0}},
-        {&D, &CSparseMatrix::DiagMult, 2, {2.0, 0.0, 12.0}},
-        {&D, &CSparseMatrix::DiagMult, -2, {0.5, HUGE_VAL, 0.75}},
-        {&D, &CSparseMatrix::DiagMult, 5, {1.0, 2.0, 3.0}},
+        {&L, Forw, 2, {0.5, 0.4375, 0.33203125}},
+        {&U, Forw, -2, {0.5, 0.375, 0.33203125}},
+        {&U, Forw, 3, {1.0, 2.0, 3.0}},
+        {&U, Backw, 2, {0.16796875, 0.4765625, 0.375}},
+        // cells left of the diagonal passed over
+        {&L, Backw, 2, {0.296875, 0.40625, 0.375}},
+        {&U, Backw, -1, {1.0, 2.0, 3.0}},
+        {&D, Diag, 2, {2.0, 0.0, 12.0}},
+        {&D, Diag, -2, {0.5, HUGE_VAL, 0.75}},
+        {&D, Diag, 5, {1.0, 2.0, 3.0}},
     };
     for (const auto &t : cases) {
         const std::string strBefore = Dump(*t.pM);
@@ -139,14 +139,4 @@ TEST(SparseFactor, SubstitutionModesByHand) {
     EXPECT_EQ(Dump(D), "0:0=0.5;1:0=1,2=3;2:2=2");
     D.DiagMult(&R, NULL, -1);
     EXPECT_EQ(Dump(D), "0:0=2;1:0=1,2=3;2:2=4");
-}
-
-// What lies below the diagonal on entry is freed, not mirrored; a row left empty goes.
-TEST(SparseFactor, MirrorCompletesTheUpperTriangle) {
-    ExpectListCases({
-        {"0:0=1,1=2;1:0=9,1=3", [](CSparseMatrix &A) { A.Mirror(1.0); }, "0:0=1,1=2;1:0=2,1=3"},
-        {"0:0=1,1=2;1:1=3", [](CSparseMatrix &A) { A.Mirror(-1.0); }, "0:0=1,1=2;1:0=-2,1=3"},
-        {"0:0=1,2=5;1:0=7;2:2=1", [](CSparseMatrix &A) { A.Mirror(1.0); }, "0:0=1,2=5;2:0=5,2=1"},
-        {"0:1=5", [](CSparseMatrix &A) { EXPECT_GE(A.Mirror(1.0), 0.0); }, "0:1=5;1:0=5"},
-    });
 }

@@ -1,10 +1,12 @@
-// CSparseMatrix whole-matrix operations: prescribed rows, A A^T, symmetry, flat copies, and
-// the virtual-table contract.
+// CSparseMatrix whole-matrix operations: prescribed rows, A A^T, mirroring, symmetry, flat
+// copies, and the virtual-table contract.
 #include "sparse_test_util.h"
 
-TEST(SparseStructure, UnifyAndZeroAndAAT) {
+// Mirror frees what lies below the diagonal on entry, and a row left empty goes.
+TEST(SparseStructure, UnifyAndZeroAATAndMirror) {
     auto unify1 = [](CSparseMatrix &A) { A.UnifyAndZero(1); };
     auto aat = [](CSparseMatrix &A) { A.AAT(); };
+    auto mirror = [](CSparseMatrix &A) { EXPECT_GE(A.Mirror(1.0), 0.0); };
     ExpectListCases({
         {"", [](CSparseMatrix &A) { A.UnifyAndZero(2); }, "2:2=1"},
         {"0:0=1,1=2;1:0=3,1=4", unify1, "0:0=1;1:1=1"},
@@ -14,6 +16,10 @@ TEST(SparseStructure, UnifyAndZeroAndAAT) {
         {"", aat, ""},
         {"0:0=1,1=2;1:1=3", aat, "0:0=5,1=6;1:0=6,1=9"},
         {"0:0=1,1=1;2:0=1,1=-1", aat, "0:0=2;2:2=2"}, // a sum of 0.0 makes no cell
+        {"0:0=1,1=2;1:0=9,1=3", mirror, "0:0=1,1=2;1:0=2,1=3"},
+        {"0:0=1,1=2;1:1=3", [](CSparseMatrix &A) { A.Mirror(-1.0); }, "0:0=1,1=2;1:0=-2,1=3"},
+        {"0:0=1,2=5;1:0=7;2:2=1", mirror, "0:0=1,2=5;2:0=5,2=1"},
+        {"0:1=5", mirror, "0:1=5;1:0=5"},
     });
     // the prescribed value leaves through the column into every right-hand side, from rows
     // below and above; row 2's own cells go with no correction
