@@ -73,7 +73,7 @@ TEST(MatrixSolve, FactorisationResultsAndHalfFinishedWork) {
 }
 
 // A plain matrix runs on its array directly, a derived one through the table: the same
-// bits either way. Two right-hand sides at once give what each gives alone.
+// bits either way. The second of two right-hand sides comes out as it does alone.
 TEST(MatrixSolve, RandomSystemsOnBothPathsPassAResidualCheck) {
     AfxSrand(12345);
     for (int n : {50, 200}) {
