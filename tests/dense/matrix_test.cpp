@@ -43,6 +43,38 @@ TEST(Matrix, ShapeBufferAndAssembly) {
     EXPECT_TRUE(sq.GetRows() == 4 && sq == MakeVector({3, 4, 5, 6}));
 }
 
+TEST(Matrix, ElementOperations) {
+    CMatrix r = MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6}), t(r, true);
+    r.Transpose();
+    EXPECT_EQ(Flat(r), (V{1, 4, 2, 5, 3, 6}));
+    EXPECT_TRUE(r.GetRows() == 3 && t == r);
+    r.Transpose();
+    r.MultiplySubRow(1, 2, 2, 5.0);
+    r.MultiplySubRow(1, 1, 3, 2.0);
+    r.MultiplyRow(0, -1.0);
+    r.MultiplyCol(0, 3.0);
+    EXPECT_EQ(Flat(r), (V{-3, -2, -3, 12, 10, 12}));
+    CVector longer(4, true, -1.0);
+    r.GetColVect(longer, 1); // a longer target keeps its length and tail
+    EXPECT_EQ(Flat(longer), (V{-2, 10, -1, -1}));
+    CMatrix shorter(1, 1, true, 0.0);
+    r.GetColVect(shorter, 2); // a shorter one is sized through the table
+    EXPECT_EQ(shorter.GetRows(), 2);
+
+    CMatrix *pSym = NULL, *pSkew = NULL;
+    MakeMatrix(3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9}).Split(pSym, pSkew); // upper triangles only
+    EXPECT_EQ(V({pSym->GetValue(0, 0), pSym->GetValue(0, 2), pSym->GetValue(1, 2)}), (V{1, 5, 7}));
+    EXPECT_EQ(V({pSkew->GetValue(0, 1), pSkew->GetValue(2, 2)}), (V{-1, 0}));
+    delete pSym;
+    delete pSkew;
+
+    CMatrix s = MakeMatrix(2, 2, {1, 0.1, 0.1, 1});
+    EXPECT_TRUE(s.CheckSymm() && CMatrix().CheckSymm());
+    EXPECT_FALSE(MakeMatrix(2, 3, {1, 2, 3, 4, 5, 6}).CheckSymm());
+    s.SetValue(1, 0, std::nextafter(0.1, 1.0));
+    EXPECT_FALSE(s.CheckSymm());
+}
+
 TEST(Matrix, NormsAndExtremes) {
     CMatrix m = MakeMatrix(2, 2, {1, -2, 3, 4}), empty;
     // InfNorm, the row-sum norm, replaces the vector's.
@@ -57,6 +89,10 @@ TEST(Matrix, NormsAndExtremes) {
     EXPECT_EQ(&t.MinInCol(1), &t[1][1]);
     EXPECT_EQ(&t.fabsMaxInCol(1), &t[1][1]);
     EXPECT_EQ(&t.fabsMaxInCol(2), &t[2][2]);
+    EXPECT_EQ(t.MaxInRow(1), 5.0);
+    std::vector<int> found = {t.FindInRow(1, -5.0), t.FindInRow(2, 5.0), t.FindInCol(0, 5.0),
+                              t.FindInCol(0, -5.0)};
+    EXPECT_EQ(found, (std::vector<int>{1, -1, 0, -1}));
 
     CMatrix v = MakeMatrix(2, 3, {3, 0, 1, 4, 2, 1});
     CVector out(7, true, 9.0);
@@ -82,6 +118,13 @@ TEST(Matrix, ScansOverRowsAndColumns) {
     double dMax = -1, dMin = -1;
     MakeMatrix(2, 2, {3, 4, 0, 1}).GetMaxMinLength(dMax, dMin, 0, 1, true); // rows (3, 4), (0, 1)
     EXPECT_EQ(V({dMax, dMin}), (V{5, 1}));
+    CMatrix three = MakeMatrix(2, 3, {1, 2, 2, 0, 0, 3});
+    three.GetMaxMinLength(dMax, dMin, 0, 1, 2, true);
+    EXPECT_EQ(V({dMax, dMin}), (V{3, 3}));
+    three.GetMaxMin3([](double *p) { return p[0] * p[1] * p[2]; }, dMax, dMin, 0, 1, 2, true);
+    EXPECT_EQ(V({dMax, dMin}), (V{4, 0}));
+    MakeMatrix(4, 1, {4, 3, 2, 1}).GetMaxMin1([](double d) { return d; }, dMax, dMin, 0, true);
+    EXPECT_EQ(V({dMax, dMin}), (V{4, 1}));
 
     // Falling samples: the minimum follows, the maximum stays at the first.
     MakeMatrix(3, 2, {5, 5, 2, 2, 1, 1}).GetMaxMin2(CountedSum, dMax, dMin, 0, 1, true);

@@ -44,13 +44,32 @@ TEST(Vector, AdditionsGrowToTheLongerOperand) {
     EXPECT_EQ(Flat(five), (V{8, 16, 24, 40, 50}));
 }
 
-TEST(Vector, NormsAndAplusBC) {
+TEST(Vector, NormsElementwiseAndAplusBC) {
     CVector v = MakeVector({3, -1, 2}), w = MakeVector({1, 2, 3, 4, 5}), e;
     EXPECT_EQ(V({v.Sum(), v.Mean(), v.ZeroNorm(), v.InfNorm(), v.PNorm(1.0), v.PNorm(3.0)}),
               V({4, 4.0 / 3, 1, 3, 6, pow(36.0, 1.0 / 3.0)}));
     EXPECT_EQ(V({e.Sum(), e.ZeroNorm(), e.InfNorm(), e.Length(), v.Dot(e)}), V(5, 0.0));
     EXPECT_EQ(v.Dot(w), 7.0); // three products
     EXPECT_EQ(CVector(4, true, 0.0).PNorm(0.0), 4.0);
+
+    CVector zero(3, true, 0.0), n = MakeVector({3, 4});
+    EXPECT_EQ(zero.Normalize(), 0.0);
+    EXPECT_TRUE(zero == 0.0);
+    EXPECT_EQ(n.Normalize(), 5.0);
+    EXPECT_EQ(Flat(n), (V{3.0 / 5.0, 4.0 / 5.0}));
+    v *= 2.0;
+    v /= 4.0;
+    v.Scale(&w);
+    EXPECT_EQ(Flat(v), (V{1.5, -1, 3}));
+    v.SetIncremental(0.1, 1.0);
+    EXPECT_EQ(Flat(v), (V{1.0, 1.0 + 0.1, 1.0 + 0.1 + 0.1})); // running sums
+    CVector x = MakeVector({1, 0, 1}), y = MakeVector({0, 1, 0});
+    v.CrossProd(&x, &y);
+    EXPECT_EQ(Flat(v), (V{-1, 0, 1}));
+    LONG idx[4] = {2, -1, 0, 2};
+    double val[4] = {1.0, 100.0, 2.0, 0.5};
+    v.AddValues(idx, val, 4);
+    EXPECT_EQ(Flat(v), (V{1, 0, 2.5}));
 
     double a[2] = {1, 100}, b[2] = {2, 0.5};
     CVector::AplusBC(a, b, 2, 0.0); // 0.0 means no factor, not nothing
