@@ -1,5 +1,5 @@
 // Helpers for the CSparseMatrix tests: lists written and read back in one text form,
-// table-driven list edits, right-hand sides.
+// right-hand sides.
 #pragma once
 
 #include "../common/femtest.h"
@@ -7,7 +7,6 @@
 #include "dense/matrix.h"
 #include "sparse/sparsematrix.h"
 
-#include <functional>
 #include <sstream>
 
 // Builds lists from the text that Dump writes ("row:col=value,col=value;row:..."); every
@@ -29,33 +28,14 @@ inline void Load(CSparseMatrix &A, const std::string &text) {
 
 // "row:col=value,col=value;row:..." in list order, so that a broken sort order shows.
 inline std::string Dump(CSparseMatrix &A) {
-    std::string s;
+    std::ostringstream os;
+    os.precision(17);
     for (CSparseMatrix::row *r = A.GetFirstRow(); r != NULL; r = r->m_pNext) {
-        s += (r == A.GetFirstRow() ? "" : ";") + std::to_string(r->m_nRow) + ":";
-        for (CSparseMatrix::cell *c = r->m_pFirstCell; c != NULL; c = c->m_pNext) {
-            char sz[64];
-            snprintf(sz, sizeof(sz), "%s%d=%.17g", c == r->m_pFirstCell ? "" : ",", c->m_nCol,
-                     c->m_dValue);
-            s += sz;
-        }
+        os << (r == A.GetFirstRow() ? "" : ";") << r->m_nRow << ":";
+        for (CSparseMatrix::cell *c = r->m_pFirstCell; c != NULL; c = c->m_pNext)
+            os << (c == r->m_pFirstCell ? "" : ",") << c->m_nCol << "=" << c->m_dValue;
     }
-    return s;
-}
-
-// One edit of a list: the cells before, the edit, the cells after.
-struct ListCase {
-    const char *pszBefore;
-    std::function<void(CSparseMatrix &)> edit;
-    const char *pszAfter;
-};
-
-inline void ExpectListCases(const std::vector<ListCase> &cases) {
-    for (const ListCase &t : cases) {
-        CSparseMatrix A;
-        Load(A, t.pszBefore);
-        t.edit(A);
-        EXPECT_EQ(Dump(A), t.pszAfter) << t.pszBefore;
-    }
+    return os.str();
 }
 
 // A right-hand side of one column.
