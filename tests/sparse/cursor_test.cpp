@@ -9,8 +9,7 @@
 // Each call leaves its cursor on what it wrote; a cursor standing too far falls back to
 // the head. Zeros and the other forms go through the random writes below.
 TEST(SparseCursor, CursorsLandOnWhatWasWritten) {
-    CSparseMatrix A;
-    Load(A, "1:1=1,5=5;4:0=4");
+    Lists A("1:1=1,5=5;4:0=4");
     CSparseMatrix::row *r = A.GetFirstRow(), *pRow = r->m_pNext; // row 4
     CSparseMatrix::cell *pCell = r->GetCell(5);
     r->Add(3, 3.0, pCell); // cursor past the target: back to the head

@@ -37,8 +37,7 @@ TEST(SparseFactor, FactorsFailuresAndFlops) {
             SCOPED_TRACE(std::string(t.pszBefore) + " with " + *p);
             const bool bLU = *p == 'L';
             ReportRecorder rec;
-            CSparseMatrix A;
-            Load(A, t.pszBefore);
+            Lists A(t.pszBefore);
             CMatrix B(A.GetRows(), 1, true, 1.0);
             double dTime = 0.0;
             CVirtMat::m_Flops = 7;
@@ -98,10 +97,9 @@ TEST(SparseFactor, SolversAgreeWithADenseSolve) {
 // The modes the solvers do not reach, on 3 by 3 lists with the right-hand side {1, 2, 3}.
 // Every mode, the unknown ones included, leaves the lists, row order included, as they were.
 TEST(SparseFactor, SubstitutionModesByHand) {
-    CSparseMatrix L, U, D; // both triangles; upper triangle; row 1 without a diagonal cell
-    Load(L, "0:0=2,1=1;1:0=0.5,1=4,2=1;2:0=0.25,1=0.5,2=8");
-    Load(U, "0:0=2,1=1,2=0.5;1:1=4,2=0.25;2:2=8");
-    Load(D, "0:0=2;1:0=1,2=3;2:2=4");
+    Lists L("0:0=2,1=1;1:0=0.5,1=4,2=1;2:0=0.25,1=0.5,2=8"); // both triangles
+    Lists U("0:0=2,1=1,2=0.5;1:1=4,2=0.25;2:2=8");
+    Lists D("0:0=2;1:0=1,2=3;2:2=4"); // row 1 without a diagonal cell
     const auto Forw = &CSparseMatrix::ForwSub, Backw = &CSparseMatrix::BackwSub,
                Diag = &CSparseMatrix::DiagMult;
     const struct {

@@ -26,6 +26,11 @@ inline void Load(CSparseMatrix &A, const std::string &text) {
     }
 }
 
+// Lists loaded from that text on construction.
+struct Lists : CSparseMatrix {
+    explicit Lists(const std::string &text) { Load(*this, text); }
+};
+
 // "row:col=value,col=value;row:..." in list order, so that a broken sort order shows.
 inline std::string Dump(CSparseMatrix &A) {
     std::ostringstream os;

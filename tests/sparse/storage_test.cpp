@@ -29,8 +29,7 @@ TEST(SparseStorage, SizeComesFromTheListsAndAllocateReusesNodes) {
 
 // Remove only unlinks; cell::Remove never examines the cell it is called on.
 TEST(SparseStorage, RowEdits) {
-    CSparseMatrix A;
-    Load(A, "0:0=4,2=-2,3=3;3:2=4,5=6");
+    Lists A("0:0=4,2=-2,3=3;3:2=4,5=6");
     CSparseMatrix::row *r = A.GetFirstRow();
     std::unique_ptr<CSparseMatrix::cell> pFar(r->Remove(3, 5)), pNext(r->m_pFirstCell->m_pNext);
     EXPECT_TRUE(pFar->m_dValue == 6.0 && r->Remove(1) == NULL && r->Remove(2, 1) == NULL);

@@ -24,15 +24,13 @@ TEST(SparseStructure, ListEdits) {
         {"0:1=5", [](CSparseMatrix &A) { EXPECT_GE(A.Mirror(1.0), 0.0); }, "0:1=5;1:0=5"},
     };
     for (const auto &t : cases) {
-        CSparseMatrix A;
-        Load(A, t.pszBefore);
+        Lists A(t.pszBefore);
         t.pfnEdit(A);
         EXPECT_EQ(Dump(A), t.pszAfter) << t.pszBefore;
     }
     // the prescribed value leaves through the column into every right-hand side, from rows
     // below and above; row 2's own cells go with no correction
-    CSparseMatrix C;
-    Load(C, "0:0=1,2=2;2:0=5,2=7;3:2=0.5,3=1");
+    Lists C("0:0=1,2=2;2:0=5,2=7;3:2=0.5,3=1");
     CMatrix B(4, 2, true, 1.0);
     C.UnifyAndZero(2, 2.0, &B);
     EXPECT_EQ(Dump(C), "0:0=1;2:2=1;3:3=1");
@@ -40,22 +38,16 @@ TEST(SparseStructure, ListEdits) {
 }
 
 TEST(SparseStructure, IsSymComparesBothTriangles) {
-    auto isSym = [](const char *pszCells) {
-        CSparseMatrix A;
-        Load(A, pszCells);
-        return A.IsSym();
-    };
-    EXPECT_TRUE(isSym("") && isSym("0:0=1,1=2;1:0=2,1=1;2:2=1"));
-    EXPECT_TRUE(isSym("0:0=1;1:0=0;2:1=0,2=1")); // zeros below without mirrors pass
-    EXPECT_FALSE(isSym("0:0=1,1=2;1:0=2.0000001,1=1"));
-    EXPECT_FALSE(isSym("0:0=1,2=0;2:2=1"));           // a zero above without a mirror fails
-    EXPECT_FALSE(isSym("0:0=1,1=1;2:2=1"));           // the mirror row is missing
-    EXPECT_FALSE(isSym("0:0=1,2=1;1:1=1;2:0=1,1=5")); // no cell above, a value below
+    EXPECT_TRUE(Lists("").IsSym() && Lists("0:0=1,1=2;1:0=2,1=1;2:2=1").IsSym());
+    EXPECT_TRUE(Lists("0:0=1;1:0=0;2:1=0,2=1").IsSym()); // zeros below without mirrors pass
+    EXPECT_FALSE(Lists("0:0=1,1=2;1:0=2.0000001,1=1").IsSym());
+    EXPECT_FALSE(Lists("0:0=1,2=0;2:2=1").IsSym());           // a zero above without a mirror fails
+    EXPECT_FALSE(Lists("0:0=1,1=1;2:2=1").IsSym());           // the mirror row is missing
+    EXPECT_FALSE(Lists("0:0=1,2=1;1:1=1;2:0=1,1=5").IsSym()); // no cell above, a value below
 }
 
 TEST(SparseStructure, MakeArrayMatDropsALoneOne) {
-    CSparseMatrix A;
-    Load(A, "0:0=1;1:0=2,1=3;2:2=1,3=0;3:3=2");
+    Lists A("0:0=1;1:0=2,1=3;2:2=1,3=0;3:3=2");
     double *pValues = NULL;
     int *pCounts = NULL, *pColumns = NULL;
     EXPECT_EQ(A.MakeArrayMat(pValues, pCounts, pColumns, 4), 5);
@@ -93,12 +85,11 @@ TEST(SparseStructure, OverridesAreReached) {
     LONG dofs[] = {0, 1};
     double values[] = {2.0, 1.0, 4.0, 2.0};
     pBase->AddValues(dofs, values, 2); // one Add per element row
-    CSparseMatrix other;
-    Load(other, "0:0=1,1=0;3:0=-1");
+    Lists other("0:0=1,1=0;3:0=-1");
     static_cast<CSparseMatrix &>(A) = other; // sums the cells that are not 0.0
     A.Mirror(1.0);                           // (1, 0) and row 3 go; (0, 1) comes back mirrored
     EXPECT_EQ(Dump(A), "0:0=3,1=1;1:0=1,1=2");
-    CMatrix B = Rhs({1.0, 1.0});
+    CMatrix B(2, 1, true, 1.0);
     A.BackwSub(&B, NULL, 1);
     int s[] = {0};
     pBase->Allocate(s, 1);
