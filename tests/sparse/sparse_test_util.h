@@ -1,5 +1,4 @@
-// Helpers for the CSparseMatrix tests: lists written and read back in one text form,
-// right-hand sides.
+// Helpers for the CSparseMatrix tests: lists written and read back in one text form.
 #pragma once
 
 #include "../common/femtest.h"
@@ -41,13 +40,6 @@ inline std::string Dump(CSparseMatrix &A) {
             os << (c == r->m_pFirstCell ? "" : ",") << c->m_nCol << "=" << c->m_dValue;
     }
     return os.str();
-}
-
-// A right-hand side of one column.
-inline CMatrix Rhs(const std::vector<double> &v) {
-    CMatrix B((int)v.size(), 1, false, 0.0);
-    std::copy(v.begin(), v.end(), B.m_pVector);
-    return B;
 }
 
 inline std::vector<double> Flat(const CMatrix &m) {
