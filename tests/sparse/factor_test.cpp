@@ -49,7 +49,7 @@ TEST(SparseFactor, FactorsFailuresAndFlops) {
                 EXPECT_TRUE(MatchesReport(strText, "Used time:\r\n Factorizing  :   {T}\r\n"
                                                    " Forw. subst. :   {T}\r\n"
                                                    " Backw. subst.:   {T}\r\n"));
-            EXPECT_EQ(dTime == -1.0, t.nResult != 1);
+            EXPECT_EQ(dTime == -1.0, t.nResult != 1); // -1.0 exactly on failure
             EXPECT_TRUE(t.nResult == 1 || Flat(B) == std::vector<double>(B.m_nSize, 1.0));
         }
     }
@@ -111,7 +111,8 @@ TEST(SparseFactor, SubstitutionModesByHand) {
         {&D, Diag, 2, {2.0, 0.0, 4.0}},           // no diagonal cell: 0.0
         {&D, Diag, -2, {0.5, HUGE_VAL, 0.25}},    // no diagonal cell: infinity
         {&U, Forw, 3, {1.0, 1.0, 1.0}},           // unknown modes do no work
-        {&U, Backw, -1, {1.0, 1.0, 1.0}},         {&D, Diag, 5, {1.0, 1.0, 1.0}},
+        {&U, Backw, -1, {1.0, 1.0, 1.0}},         // and reverse the rows twice
+        {&D, Diag, 5, {1.0, 1.0, 1.0}},
     };
     for (const auto &t : cases) {
         const std::string strBefore = Dump(*t.pM);
@@ -122,7 +123,7 @@ TEST(SparseFactor, SubstitutionModesByHand) {
         EXPECT_TRUE(dTime >= 0.0 && dTime < 1000.0);
         EXPECT_EQ(Dump(*t.pM), strBefore);
     }
-    // modes 1 and -1 scale the diagonal by the first column and leave the right-hand side
+    // modes 1 and -1 scale the diagonal by the first column
     CMatrix R(3, 1, true, 0.5);
     D.DiagMult(&R, NULL, 1);
     EXPECT_EQ(Dump(D), "0:0=1;1:0=1,2=3;2:2=2");

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-TEST(SparseStructure, ListEdits) {
+TEST(SparseStructure, UnifyAndZeroAATAndMirror) {
     const struct {
         const char *pszBefore;
         void (*pfnEdit)(CSparseMatrix &);
@@ -12,6 +12,7 @@ TEST(SparseStructure, ListEdits) {
     } cases[] = {
         {"", [](CSparseMatrix &A) { A.UnifyAndZero(2); }, "2:2=1"},
         {"0:0=1,1=2;1:0=3,1=4", [](CSparseMatrix &A) { A.UnifyAndZero(1); }, "0:0=1;1:1=1"},
+        // a new row in the gap
         {"0:0=1,1=2;2:1=3,2=4", [](CSparseMatrix &A) { A.UnifyAndZero(1); }, "0:0=1;1:1=1;2:2=4"},
         {"0:0=1,5=2;2:2=4", [](CSparseMatrix &A) { A.UnifyAndZero(5); }, "0:0=1;2:2=4;5:5=1"},
         // in front of the first row: the new head
