@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <memory>
 #include <new>
-#include <numeric>
 
 // Nothrow array requests above this many bytes yield NULL, as from an exhausted heap.
 static size_t s_nHeapLimit = SIZE_MAX;
@@ -44,13 +43,12 @@ TEST(SkylineAllocate, FromSizes) {
     const struct {
         std::vector<int> sizes, heights;
     } cases[] = {{{4, 2}, {1, 2, 2, 2}},       // a band width, rewritten to the total 7
+                 {{4}, {1, 2, 2, 2}},          // the order alone keeps the shape
                  {{3, 6}, {1, 2, 3}},          // not below the order: a total
                  {{3, 3}, {1, 1, 1}},          //
                  {{3, 4, 1, 1, 2}, {1, 1, 2}}, // heights listed
-                 {{5, 3}, {1, 2, 3, 3, 3}},    //
-                 {{5}, {1, 2, 3, 3, 3}},       // the order alone keeps the shape
                  {{0}, {}},                    // order 0 clears
-                 {{4, 2}, {1, 2, 2, 2}},       //
+                 {{5, 3}, {1, 2, 3, 3, 3}},    //
                  {{}, {}}};                    // so do no sizes
     CSkylineMatrix m;
     for (auto c : cases) {
@@ -100,13 +98,15 @@ TEST(SkylineAssembly, UpperHalfInLabelsThroughTheTable) {
     ASSERT_TRUE(pBase->Allocate(full, 2));
     pBase->AddValues(dofs, element, 3);
     EXPECT_EQ(m.m_nAccesses, 3);
-    EXPECT_EQ(std::accumulate(m.m_pValues, m.m_pValues + 21, 0.0), 13.0);
+    EXPECT_EQ(std::count(m.m_pValues, m.m_pValues + 21, 0.0), 18);
     EXPECT_TRUE(m(2, 2) == 1.0 && m(2, 5) == 3.0 && m(5, 5) == 9.0);
     // A dof given twice takes all four entries; zeros touch nothing, even outside the profile.
     ASSERT_TRUE(m.Allocate(diagonal, 2));
+    m.m_nAccesses = 0;
     m.AddValues(twice, block, 2);
     m.AddValues(apart, zeros, 2);
     EXPECT_EQ(std::vector<double>(m.m_pValues, m.m_pValues + 3), (std::vector<double>{1, 15, 2}));
+    EXPECT_EQ(m.m_nAccesses, 4 + 2);
     *pBase += 0.25;
     EXPECT_EQ(m.m_pValues[0] + m.m_pValues[2], 3.5);
 }
@@ -129,20 +129,24 @@ TEST(SkylineClass, CreatedByNameAndArchivedWithoutContents) {
     EXPECT_TRUE(pRead && pRead->m_nRows == 0 && !pRead->m_pValues);
 }
 
-// Each failure leaves NULL where the allocation failed; the next Allocate makes it again.
+// Each failure leaves NULL where the allocation failed; the same call then makes it anew.
 TEST(SkylineAllocate, FailedAllocationYieldsFalseAndTheObjectStaysUsable) {
     CSkylineMatrix m;
     CReorderMat g(0);
     BuildGraph(g, 4, {{0, 3}});
     g.PostReorder();
-    int values[] = {1000, 200000}, rows[] = {200000, 200000};
-    s_nHeapLimit = 1 << 20;
-    EXPECT_FALSE(m.Allocate(values, 2)); // 1.6 MB of values
-    EXPECT_EQ(m.m_pValues, nullptr);
-    EXPECT_FALSE(m.Allocate(rows, 2)); // 1.6 MB of diagonal addresses, after two tables
-    EXPECT_TRUE(m.m_nRows == 200000 && !m.m_pHeights && !m.m_pDiagIndex && !m.m_ppDiag);
-    s_nHeapLimit = 40;
-    EXPECT_FALSE(m.Allocate(g)); // the row tables fit, the 7 values don't
+    int band[] = {1000, 2};
+    s_nHeapLimit = 6000; // two tables of 1000 ints fit, 1000 addresses don't
+    EXPECT_FALSE(m.Allocate(band, 2));
+    EXPECT_TRUE(m.m_nRows == 1000 && !m.m_pHeights && !m.m_pDiagIndex && !m.m_ppDiag);
+    s_nHeapLimit = 10000; // the row tables fit, 1999 values don't
+    EXPECT_FALSE(m.Allocate(band, 2));
+    EXPECT_TRUE(m.m_ppDiag && !m.m_pValues);
+    s_nHeapLimit = SIZE_MAX;
+    ASSERT_TRUE(m.Allocate(band, 2));
+    EXPECT_EQ(FreshShape(m).size(), 1000u);
+    s_nHeapLimit = 40; // the graph's row tables fit, its 7 values don't
+    EXPECT_FALSE(m.Allocate(g));
     s_nHeapLimit = SIZE_MAX;
     ASSERT_TRUE(m.m_nRows == 4 && m.Allocate(g));
     EXPECT_EQ(FreshShape(m), (std::vector<int>{1, 1, 1, 4}));
