@@ -120,7 +120,6 @@ TEST(SkylineSolve, CholeskySolveOnARaggedProfile) {
 
     // A failed factorisation: its result, -1.0 seconds, no report, no change to the sides.
     CFailingSkyline failing;
-    Make(failing, {2, 3}, {4, 2, 5});
     CMatrix E = Columns(2, 1);
     EXPECT_EQ(failing.Cholesky_Solve(&E, dTime), 0);
     EXPECT_EQ(dTime, -1.0);
