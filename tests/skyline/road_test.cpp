@@ -19,12 +19,12 @@ void (*const s_numberings[])(CReorderMat &) = {[](CReorderMat &) {},
 // right-hand sides, whose row p takes the value.
 void Prescribe(CSkylineMatrix &m, CMatrix &B, int p, double dValue) {
     for (int j = 0; j < m.m_nRows; j++) {
-        const int nUpper = std::min(j, p), nLower = std::max(j, p);
-        if (j == p || m.PeakRow(nLower) > nUpper)
+        const int a = std::min(j, p), b = std::max(j, p); // the pair's stored place (a, b)
+        if (j == p || m.PeakRow(b) > a)
             continue;
         for (int k = 0; k < 2; k++)
-            B[j][k] -= m(nUpper, nLower) * dValue;
-        m(nUpper, nLower) = 0.0;
+            B[j][k] -= m(a, b) * dValue;
+        m(a, b) = 0.0;
     }
     m(p, p) = 1.0;
     B[p][0] = B[p][1] = dValue;

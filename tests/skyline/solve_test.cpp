@@ -4,6 +4,8 @@
 #include "dense/matrix.h"
 #include "skyline/skylinematrix.h"
 
+#include <memory>
+
 namespace {
 
 // Sizes as Allocate reads them, then the first stored values.
@@ -41,6 +43,8 @@ TEST(SkylineSolve, SmallCasesOfEveryModeAndTheirTiming) {
                                  {8, 9},  {32, 45}, {2, 1.8}, {8, 9}};
     CSkylineMatrix m, one, none;
     Make(m, {2, 3}, {4, 2, 5}); // as factors: L(1, 0) = 2, diagonal 4, 5
+    std::unique_ptr<double[]> pDiag(m.DiagVect());
+    EXPECT_TRUE(pDiag[0] == 4.0 && pDiag[1] == 5.0);
     for (int k = 0; k < 9; k++) {
         CMatrix rhs = Columns(2, 1, {8, 9});
         double dTime = -5.0;
