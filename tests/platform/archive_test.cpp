@@ -8,8 +8,8 @@ TEST(CArchive, NumbersAreLittleEndianPackedAndMayStraddleTheBuffer) {
         CArchive ar(&file, CArchive::store, 16);
         ar << (LONG)0x01020304 << 1.0 << -0.5 << (LONG)-2;
     }
-    std::vector<BYTE> expected = Bytes({4, 3, 2, 1, 0, 0, 0,    0,    0,    0,    0xF0, 0x3F, //
-                                        0, 0, 0, 0, 0, 0, 0xE0, 0xBF, 0xFE, 0xFF, 0xFF, 0xFF});
+    std::vector<BYTE> expected{4, 3, 2, 1, 0, 0, 0,    0,    0,    0,    0xF0, 0x3F, //
+                               0, 0, 0, 0, 0, 0, 0xE0, 0xBF, 0xFE, 0xFF, 0xFF, 0xFF};
     EXPECT_EQ(file.GetData(), expected);
 
     // Read back through a buffer of the caller's, with the last value cut short.

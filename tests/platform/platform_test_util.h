@@ -1,4 +1,4 @@
-// Helpers shared by the platform tests: temporary file names, byte lists, exception causes.
+// Helpers shared by the platform tests: a temporary file name, exception causes.
 #pragma once
 
 #include "platform/afx.h"
@@ -10,23 +10,11 @@
 #include <vector>
 
 // A file name in the test temporary directory, removed again when the test ends.
-class TempPath {
-public:
-    TempPath() {
-        static int s_nCount;
-        m_path = ::testing::TempDir() + "femmat_platform_" + std::to_string(getpid()) + "_" +
-                 std::to_string(s_nCount++);
-    }
+struct TempPath {
+    std::string m_path = ::testing::TempDir() + "femmat_platform_" + std::to_string(getpid());
     ~TempPath() { unlink(m_path.c_str()); }
     const char *c_str() const { return m_path.c_str(); }
-
-private:
-    std::string m_path;
 };
-
-inline std::vector<BYTE> Bytes(std::initializer_list<int> list) {
-    return std::vector<BYTE>(list.begin(), list.end());
-}
 
 // The cause of the CArchiveException that f throws, or -1 when it throws none.
 template <class F> int ArchiveCause(F f) {
