@@ -51,7 +51,6 @@ TEST(CArchive, CloseLeavesTheFileBehindTheLastByteHandedOut) {
     {
         CArchive ar(&f, CArchive::load, 16);
         ASSERT_TRUE(ar.ReadString(s));
-        EXPECT_EQ(s, "line2");
     }
     EXPECT_EQ(f.GetPosition(), 12u);
 }

@@ -1,23 +1,19 @@
 // CFile and CMemFile: open failures, the exclusive share mode, positions and lengths.
 #include "platform_test_util.h"
 
-TEST(CFile, OpenFailureReturnsFalseAndTheConstructorThrows) {
-    CFile f;
+// A missing file, and a second open of a file held exclusively.
+TEST(CFile, FailedOpensReturnFalseWithTheirCause) {
+    CFile second;
     CFileException e;
-    EXPECT_FALSE(f.Open("/nonexistent/femmat", CFile::modeRead, &e));
+    EXPECT_FALSE(second.Open("/nonexistent/femmat", CFile::modeRead, &e));
     EXPECT_EQ(e.m_cause, CFileException::fileNotFound);
     EXPECT_THROW(CFile("/nonexistent/femmat", CFile::modeRead), CFileException);
-}
 
-TEST(CFile, SecondExclusiveOpenFailsAndLeavesTheFileAlone) {
     TempPath path;
     UINT nExclusive = CFile::modeCreate | CFile::modeReadWrite | CFile::shareExclusive;
     CFile first(path.c_str(), nExclusive);
     first.Write("hello", 5);
-
     // Refused opens must not truncate what the holder has written.
-    CFile second;
-    CFileException e;
     EXPECT_FALSE(second.Open(path.c_str(), nExclusive, &e));
     EXPECT_EQ(e.m_cause, CFileException::sharingViolation);
     EXPECT_FALSE(second.Open(path.c_str(), CFile::modeRead));

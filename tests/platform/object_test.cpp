@@ -7,7 +7,8 @@
 class CTestItem : public CObject {
     DECLARE_SERIAL(CTestItem)
 public:
-    LONG m_nValue = 0;
+    explicit CTestItem(LONG nValue = 0) : m_nValue(nValue) {}
+    LONG m_nValue;
     void Serialize(CArchive &ar) override {
         if (ar.IsStoring())
             ar << m_nValue;
@@ -24,9 +25,7 @@ IMPLEMENT_SERIAL(CTestDerived, CTestItem, 1)
 
 // null, a new class, the same object again, then a known class.
 TEST(CArchiveObjects, RecordLayoutAndRoundTrip) {
-    CTestItem a, b;
-    a.m_nValue = 5;
-    b.m_nValue = -1;
+    CTestItem a(5), b(-1);
     CMemFile file;
     {
         CArchive ar(&file, CArchive::store, 16);
