@@ -2,14 +2,12 @@
 // assembly and assignment.
 #include "system_test_util.h"
 
-TEST(CSystSpMat, TableSizeLinksAndAllocateBySize) {
+TEST(CSystSpMat, TableSizeLinksAllocateBySizeAndAssignment) {
     // Created by name, or with no rows: empty.
     CObject *pCreated = CRuntimeClass::FromName("CSystSpMat")->CreateObject();
     ASSERT_EQ(pCreated->GetRuntimeClass(), RUNTIME_CLASS(CSystSpMat));
-    EXPECT_EQ(RUNTIME_CLASS(CSystSpMat)->m_pfnGetBaseClass(), RUNTIME_CLASS(CSparseMatrix));
-    EXPECT_EQ(RUNTIME_CLASS(CSystSpMat)->m_wSchema, 1u);
-    CSystSpMat empty, zero(0), negative(-3), m(3), c(2);
-    for (CSystSpMat *p : {&empty, &zero, &negative, static_cast<CSystSpMat *>(pCreated)})
+    CSystSpMat empty, zero(0), m(3), c(2);
+    for (CSystSpMat *p : {&empty, &zero, static_cast<CSystSpMat *>(pCreated)})
         EXPECT_TRUE(p->GetRows() == 0 && p->m_pRowTable == NULL);
     delete pCreated;
     // The size holds without any cell; a scrambled list is relinked from the table.
@@ -28,14 +26,16 @@ TEST(CSystSpMat, TableSizeLinksAndAllocateBySize) {
     EXPECT_TRUE(frame.Allocate(sizes, 4));
     EXPECT_EQ(m.m_pRowTable, pTable);
     EXPECT_EQ(Dump(m), "(0,0)0 (0,2)0 (2,1)0");
+    // Assignment sums the other's cells into the own table.
+    c.Add(1, 0, 5.0);
+    m = c;
+    EXPECT_EQ(m.m_pRowTable, pTable);
+    EXPECT_EQ(Dump(m), "(0,0)0 (0,2)0 (1,0)5 (2,1)0");
     // Another size makes a table without cells; no rows, or Clear, empties it.
     sizes[0] = 4;
     frame.Allocate(sizes, 1);
-    EXPECT_EQ(m.GetRows(), 4);
     EXPECT_EQ(Dump(m), "");
     ExpectLinked(m);
-    m.Add(1, 1, 1.0);
-    c.Add(1, 0, 5.0);
     sizes[0] = 0;
     frame.Allocate(sizes, 1);
     c.Clear();
@@ -48,24 +48,22 @@ TEST(CSystSpMat, TableSizeLinksAndAllocateBySize) {
 TEST(CSystSpMat, AddFormsDropZerosAndOnlyWriteTheRowCursor) {
     CSystSpMat m(4), other(1);
     CSparseMatrix &base = m; // as the inherited algorithms call them
-    CSparseMatrix::row *pRow = &m.m_pRowTable[3];
+    // A row cursor into another matrix: never read, only overwritten.
+    CSparseMatrix::row *pRow = &other.m_pRowTable[0];
     CSparseMatrix::cell *pCell = NULL;
     base.Add(1, 2, 0.0);
     base.Add(1, 2, 0.0, pCell);
     base.Add(2, 3, 0.0, pRow);
     base.Add(2, 3, 0.0, pRow, pCell);
-    EXPECT_EQ(pRow, &m.m_pRowTable[3]);
+    EXPECT_EQ(pRow, &other.m_pRowTable[0]);
     EXPECT_EQ(Dump(m), "");
-    // A row cursor into another matrix is never read, only overwritten.
-    pRow = &other.m_pRowTable[0];
     base.Add(2, 3, 1.0, pRow);
     EXPECT_EQ(pRow, &m.m_pRowTable[2]);
-    base.Add(2, 3, 0.5, pCell);
-    EXPECT_EQ(pCell, m.m_pRowTable[2].GetCell(3));
     pRow = &other.m_pRowTable[0];
-    base.Add(0, 2, -1.0, pRow, pCell = NULL);
+    base.Add(0, 2, -1.0, pRow, pCell);
     EXPECT_EQ(pRow, &m.m_pRowTable[0]);
-    base.Add(0, 0, 4.0, pRow, pCell);
+    base.Add(2, 3, 0.5);
+    base.Add(0, 0, 4.0, pCell = NULL);
     EXPECT_EQ(Dump(m), "(0,0)4 (0,2)-1 (2,3)1.5");
     EXPECT_EQ(Dump(other), "");
 }
@@ -79,31 +77,19 @@ static void Graph(CReorderMat &g, const ElementList &elements, std::vector<LONG>
 }
 
 TEST(CSystSpMat, AllocateFromTheGraphMakesTheUpperPatternInLabelOrder) {
-    // A chain 0-1-2 and a lone vertex 3.
-    const ElementList chain = {{0, 1}, {1, 2}, {3}};
-    CReorderMat g(0), h(0), full(0), none(0);
-    CSystSpMat m, r;
-    Graph(g, chain, {0, 1, 2, 3});
+    // A chain 0-1-2 and a lone vertex 3, labels reversed: row 0 is vertex 3.
+    CReorderMat g(0), full(0);
+    CSystSpMat m;
+    Graph(g, {{0, 1}, {1, 2}, {3}}, {3, 2, 1, 0});
     EXPECT_TRUE(m.Allocate(g));
-    EXPECT_EQ(Dump(m), "(0,0)0 (0,1)0 (1,1)0 (1,2)0 (2,2)0 (3,3)0");
-    ExpectLinked(m);
-    // Reversed labels: row 0 is vertex 3; the graph's rows now hold sorted labels.
-    Graph(h, chain, {3, 2, 1, 0});
-    r.Allocate(h);
-    EXPECT_EQ(Dump(r), "(0,0)0 (1,1)0 (1,2)0 (2,2)0 (2,3)0 (3,3)0");
-    EXPECT_EQ(std::vector<LONG>(h.m_ppRows[1], h.m_ppRows[1] + 2), (std::vector<LONG>{1, 3}));
-
+    EXPECT_EQ(Dump(m), "(0,0)0 (1,1)0 (1,2)0 (2,2)0 (2,3)0 (3,3)0");
     // The same size reads no graph: the pattern, a cell added to it, and the graph stay.
-    r.Add(0, 3, 5.0);
+    m.Add(0, 3, 5.0);
     Graph(full, {{0, 1, 2, 3}}, {3, 2, 1, 0});
     const std::vector<LONG> before(full.m_ppRows[0], full.m_ppRows[0] + 3);
-    r.Allocate(full);
-    EXPECT_EQ(Dump(r), "(0,0)0 (0,3)0 (1,1)0 (1,2)0 (2,2)0 (2,3)0 (3,3)0");
+    m.Allocate(full);
+    EXPECT_EQ(Dump(m), "(0,0)0 (0,3)0 (1,1)0 (1,2)0 (2,2)0 (2,3)0 (3,3)0");
     EXPECT_EQ(std::vector<LONG>(full.m_ppRows[0], full.m_ppRows[0] + 3), before);
-    // No vertices empties it.
-    none.Alloc(0);
-    r.Allocate(none);
-    EXPECT_EQ(r.GetRows(), 0);
 }
 
 TEST(CSystSpMat, AddValuesTakesTheUpperTriangleUnderTheSymmetricFlag) {
@@ -115,28 +101,12 @@ TEST(CSystSpMat, AddValuesTakesTheUpperTriangleUnderTheSymmetricFlag) {
         s.AddValues(dofs, values, 2);
     }
     f.AddValues(dofs, values, 2);
-    f.AddValues(dofs, values, 2);
     EXPECT_EQ(Dump(s), "(0,0)4 (0,1)3 (1,1)1");
-    EXPECT_EQ(Dump(f), "(0,0)8 (0,1)6 (1,0)4 (1,1)2");
+    EXPECT_EQ(Dump(f), "(0,0)4 (0,1)3 (1,0)2 (1,1)1");
     // Negative numbers keep the stride and take no part; a zero makes no cell, not even in
-    // the first column of a row; without any number, or with n 0, nothing happens.
-    LONG holes[3] = {5, -1, 2}, absent[2] = {-1, -2};
+    // the first column of a row.
+    LONG holes[3] = {5, -1, 2};
     double e[9] = {1, 2, 3, 4, 5, 6, 7, 8, 0.0};
     z.AddValues(holes, e, 3);
-    z.AddValues(absent, e, 2);
-    z.AddValues(holes, e, 0);
     EXPECT_EQ(Dump(z), "(2,5)7 (5,2)3 (5,5)1");
-}
-
-TEST(CSystSpMat, AssignmentSumsIntoTheOwnTable) {
-    CSystSpMat a(3), b(2);
-    a.Add(0, 0, 1.0);
-    Fill(b, 2, {2, 0, 3, 0});
-    CSparseMatrix::cell *pCell = NULL;
-    b.m_pRowTable[1].Add(1, 0.0, pCell); // a stored zero is left out
-    CSparseMatrix::row *pTable = a.m_pRowTable;
-    a = b;
-    EXPECT_EQ(a.m_pRowTable, pTable);
-    EXPECT_EQ(Dump(a), "(0,0)3 (1,0)3");
-    ExpectLinked(a);
 }
