@@ -1,4 +1,4 @@
-// Helpers of the system-matrix tests: filling and reading back cells, the table's links.
+// Helpers of the system-matrix tests: filling and reading back cells, matrices.
 #pragma once
 
 #include "common/femtest.h"
@@ -35,13 +35,4 @@ inline std::vector<double> Column(CMatrix &B, int k) {
     for (int i = 0; i < B.GetRows(); i++)
         v.push_back(B[i][k]);
     return v;
-}
-
-// The list is the table, row by row, even where rows have no cells; the base's counts stay 0.
-inline void ExpectLinked(CSystSpMat &m) {
-    int i = 0;
-    for (CSparseMatrix::row *r = m.m_pFirstRow; r != NULL; r = r->m_pNext, i++)
-        EXPECT_TRUE(r == &m.m_pRowTable[i] && r->m_nRow == i) << "row " << i;
-    EXPECT_EQ(i, m.m_nTableRows);
-    EXPECT_EQ(m.m_nRows + m.m_nColumns, 0);
 }
