@@ -102,16 +102,10 @@ inline void BuildGraph(CReorderMat &g, int n, const ElementList &elements) {
         g.InsertDOFs(const_cast<LONG *>(e.data()), 1, (int)e.size());
 }
 
-// Path of a file under tests/data.
-inline std::string TestDataPath(const std::string &strName) {
-    return std::string(FEMMAT_TEST_DATA) + "/" + strName;
-}
-
 // Reads a graph of tests/data/graphs ("n m", then m lines "i j") as two-vertex elements;
 // false when the file is missing.
 inline bool LoadGraphFile(const std::string &strName, int &n, ElementList &edges) {
-    std::string strPath = TestDataPath("graphs/" + strName + ".graph");
-    std::ifstream in(strPath);
+    std::ifstream in(std::string(FEMMAT_TEST_DATA) + "/graphs/" + strName + ".graph");
     int m = 0;
     if (!(in >> n >> m))
         return false;
