@@ -23,6 +23,8 @@ TEST(SparseStructure, UnifyAndZeroAATAndMirror) {
         {"0:0=1,1=1;2:0=1,1=-1", [](CSparseMatrix &A) { A.AAT(); }, "0:0=2;2:2=2"},
         {"0:0=1,1=2;1:1=3", [](CSparseMatrix &A) { A.Mirror(-1.0); }, "0:0=1,1=2;1:0=-2,1=3"},
         {"0:1=5", [](CSparseMatrix &A) { EXPECT_GE(A.Mirror(1.0), 0.0); }, "0:1=5;1:0=5"},
+        {"0:0=1,1=2;1:0=3,1=4", [](CSparseMatrix &A) { A.MakeLower(); }, "0:0=1,1=2;1:1=4"},
+        {"0:0=1,3=2", [](CSparseMatrix &A) { (A = 2.0) += 1.0; }, "0:0=3,3=3"},
     };
     for (const auto &t : cases) {
         Lists A(t.pszBefore);
