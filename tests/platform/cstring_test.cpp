@@ -18,8 +18,9 @@ TEST(CString, FormatOfAnyLengthMayReadItsOldContents) {
 TEST(CString, FindPiecesTrimsAndComparison) {
     CString s("a=b; c=d"), t(" \t x y \r\n"), n("2.000");
     EXPECT_EQ(s.Find("=", 2), 6);
-    // Past the end there is nothing to find.
+    // Past the end, or before the start, there is nothing to find.
     EXPECT_EQ(s.Find("=", 100), -1);
+    EXPECT_EQ(s.Find("=", -1), -1);
     EXPECT_EQ(s.Find('d', s.GetLength()), -1);
 
     EXPECT_EQ(s.Left(20) + s.Right(2) + s.Mid(1, 3) + s.Mid(20), "a=b; c=d=d=b;");
