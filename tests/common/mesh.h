@@ -1,8 +1,10 @@
 // The meshes of the road tests: grids of bilinear quads or of triangles with one or two
-// degrees of freedom per node, their element matrices, and a dense reference solve.
+// degrees of freedom per node, their element matrices, the host's assembly in labels, and a
+// dense reference solve.
 #pragma once
 
-#include "platform/types.h"
+#include "dense/matrix.h"
+#include "reorder/reordermat.h"
 
 #include <cmath>
 #include <vector>
@@ -80,8 +82,28 @@ inline std::vector<double> ElementMatrix(const RoadMesh &mesh, int e, int nLoad,
 }
 
 // The load of right-hand side k at dof d.
-inline double Load(int d, int k) {
+inline double LoadValue(int d, int k) {
     return k == 0 ? 1.0 + 0.1 * (d % 5) : std::cos(0.3 * d);
+}
+
+// The host's assembly: each element's dofs mapped through the numbering, then AddValues.
+inline void AssembleInLabels(CVirtRealMat &m, CReorderMat &g, const RoadMesh &mesh, int nLoad,
+                             bool bSkew) {
+    for (int e = 0; e < (int)mesh.dofs.size(); e++) {
+        std::vector<LONG> dofs = mesh.dofs[e];
+        for (LONG &d : dofs)
+            d = d < 0 ? d : g.f_v(d);
+        m.AddValues(dofs.data(), ElementMatrix(mesh, e, nLoad, bSkew).data(), (int)dofs.size());
+    }
+}
+
+// The two load columns, each dof's values in its label's row.
+inline CMatrix LoadsInLabels(CReorderMat &g, const RoadMesh &mesh) {
+    CMatrix B(mesh.nDOFs, 2);
+    for (int d = 0; d < mesh.nDOFs; d++)
+        for (int k = 0; k < 2; k++)
+            B[g.f_v(d)][k] = LoadValue(d, k);
+    return B;
 }
 
 // Solves A x = b (n by n, row-major) by elimination with partial pivoting.
@@ -136,7 +158,7 @@ inline std::vector<double> ReferenceSolve(const RoadMesh &mesh, int nLoad, bool 
     std::vector<double> Aff(m * m), bf(m);
     for (int a = 0; a < m; a++) {
         int i = freeDofs[a];
-        bf[a] = Load(i, k);
+        bf[a] = LoadValue(i, k);
         for (int j = 0; j < n; j++)
             if (fixed[j])
                 bf[a] -= A[i * n + j] * g[j];

@@ -41,16 +41,8 @@ void Road(const RoadMesh &mesh, void (*number)(CReorderMat &)) {
     graph.PostReorder();
     CSkylineMatrix m;
     ASSERT_TRUE(m.Allocate(graph));
-    for (int e = 0; e < (int)mesh.dofs.size(); e++) {
-        std::vector<LONG> dofs = mesh.dofs[e];
-        for (LONG &d : dofs)
-            d = d < 0 ? d : graph.f_v(d);
-        m.AddValues(dofs.data(), ElementMatrix(mesh, e, 0, false).data(), (int)dofs.size());
-    }
-    CMatrix B(n, 2);
-    for (int d = 0; d < n; d++)
-        for (int k = 0; k < 2; k++)
-            B[graph.f_v(d)][k] = Load(d, k);
+    AssembleInLabels(m, graph, mesh, 0, false);
+    CMatrix B = LoadsInLabels(graph, mesh);
     for (int d : mesh.prescribed)
         Prescribe(m, B, graph.f_v(d), g[d]);
 

@@ -72,7 +72,7 @@ TEST(SparseFactor, SolversAgreeWithADenseSolve) {
                     S.MakeUpper();
                 CMatrix B(n, c), B2(n, c);
                 for (int k = 0; k < n * c; k++)
-                    B.m_pVector[k] = B2.m_pVector[k] = Load(k / c, k % c);
+                    B.m_pVector[k] = B2.m_pVector[k] = LoadValue(k / c, k % c);
                 ReportRecorder rec;
                 double dTime;
                 ASSERT_EQ(bLU ? S.LU_Solve(&B, dTime) : S.Cholesky_Solve(&B, dTime), 1);

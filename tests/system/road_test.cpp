@@ -34,20 +34,11 @@ TEST_P(Road, AssembleConstrainSolveAndAssembleAgain) {
         for (int nLoad = 0; nLoad < 2; nLoad++) {
             m.Allocate(g);
             const int nCells = CellCount(m);
-            for (int e = 0; e < (int)mesh.dofs.size(); e++) {
-                std::vector<LONG> dofs = mesh.dofs[e];
-                for (LONG &d : dofs)
-                    d = d >= 0 ? g.f_v(d) : d;
-                std::vector<double> values = ElementMatrix(mesh, e, nLoad, !bSym);
-                m.AddValues(dofs.data(), values.data(), (int)dofs.size());
-            }
+            AssembleInLabels(m, g, mesh, nLoad, !bSym);
             EXPECT_TRUE(nLoad > 0 || !bSym || CellCount(m) == nCells); // the pattern has all
 
             // Both right-hand sides take the same prescribed values.
-            CMatrix B(n, 2), bcs(nb, 3);
-            for (int d = 0; d < n; d++)
-                for (int k = 0; k < 2; k++)
-                    B[g.f_v(d)][k] = Load(d, k);
+            CMatrix B = LoadsInLabels(g, mesh), bcs(nb, 3);
             for (int b = 0; b < nb; b++) {
                 bcs[b][0] = g.f_v(mesh.prescribed[b]);
                 bcs[b][1] = bcs[b][2] = gv[mesh.prescribed[b]];
