@@ -17,3 +17,6 @@
 
 #include "reorder/arrayarray.h"
 #include "reorder/reordermat.h"
+
+#include "auxtypes/complexd.h"
+#include "auxtypes/funcmat.h"

@@ -155,6 +155,32 @@ public:
     CMatrix &operator-=(CMatrix &other);
     void AAT() {}
 
+    // --- rotations ---
+    // The 3 by 3 matrix built from two angles as the classic formula states it; a rotation
+    // about the third axis when dAngle2 is 0, about the second when dAngle1 is 0, and not
+    // orthogonal for two non-zero angles.
+    void RotMat(double dAngle1, double dAngle2);
+    // R becomes the 2 by 2 rotation by dAngle, or its transpose.
+    static void RotMat2D(CMatrix &R, double dAngle, bool bTransposed);
+
+    // --- test matrices; each sizes itself through the table and reports nothing ---
+    // Random values from dMin to dMax (upper limit first), seeded from the time on every
+    // call: nForm 0 full, 1 lower with diagonal, 2 upper with diagonal, -1 strict lower,
+    // -2 strict upper (zeros elsewhere); other forms change nothing.
+    void RandMat(int nRows, int nCols, double dMax, double dMin, int nForm);
+    // Lower (upper) pattern: dFill below (above) the diagonal, dDiag on it, zeros on the
+    // other side; with bAdd and an unchanged element count the constants are added instead
+    // and the other side is left alone. Needs nRows not above nCols.
+    void LMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
+    void UMat(int nRows, int nCols, double dFill, double dDiag, bool bAdd);
+    // Row n takes dValue (bRow), or element n of every row takes or gains it.
+    void SetVals(int n, double dValue, bool bAdd, bool bRow);
+    // One value in [1 - dSpread/2, 1 + dSpread/2] per row, columns spread by a random
+    // permutation (shared when there are more rows than columns). Not seeded here.
+    void WellCond(int nRows, int nCols, double dSpread);
+    // Subtracts the mean of the diagonal from the diagonal.
+    void Dev();
+
     // --- factorisation and solving ---
     // Solves in place for all columns of pB with the factors of LUP_Decomp (pPerm) or of
     // LU (pPerm NULL).

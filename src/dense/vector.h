@@ -93,6 +93,12 @@ public:
     // Divides by the length unless it is 0.0; returns the length.
     double Normalize();
 
+    // --- rotations ---
+    // The unit quaternion of the rotation vector pVector (axis times angle): writes the
+    // vector part to pQuat[0..2], returns the scalar part. Near the zero rotation a series
+    // replaces sin(t/2)/t, so the zero vector gives (1, 0, 0, 0).
+    static double VectToQuat(double *pVector, double *pQuat);
+
     // --- comparison, exact ---
     bool operator==(const CVector &other) const;
     bool operator==(double dValue) const;
