@@ -19,4 +19,6 @@
 #include "reorder/reordermat.h"
 
 #include "auxtypes/complexd.h"
+#include "auxtypes/longcontainers.h"
+#include "auxtypes/objcontainers.h"
 #include "auxtypes/funcmat.h"

@@ -187,6 +187,10 @@ public:
     static void LUP_Solve(CMatrix *pLU, int *pPerm, CMatrix *pB);
     void Eig(bool, CMatrix &, CVector &) {}
 
+    // --- console ---
+    // Each GetValue(i, j) and a tab, a line per row, on std::cout.
+    void Stream();
+
     // --- norms and extremes ---
     // Topmost greatest element of column j.
     double &MaxInCol(int j);

@@ -6,8 +6,6 @@
 // Text readers and writers: bodies come later.
 void CMatrix::ReadASCII(CFile *) {}
 void CMatrix::ReadASCII(CFile *, CString, CString, CString) {}
-void CMatrix::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
-void CMatrix::COUT(const char *) {}
 
 // Products with vectors, small matrices and sparse matrices: bodies come later.
 void CMatrix::ApplyTo(CVector &, int) {}

@@ -145,7 +145,6 @@ void CVector::AddValues(LONG *pIndices, double *pValues, int nCount) {
 
 // The text forms come with the text I/O work.
 void CVector::ReadASCII(CFile *) {}
-void CVector::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
 
 void CVector::Serialize(CArchive &ar) {
     if (ar.IsStoring()) {

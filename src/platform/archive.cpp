@@ -254,12 +254,29 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested) {
     CObject *pOb = pClassRef->CreateObject();
     size_t nIndex = m_loadMap.size();
     m_loadMap.push_back({NULL, pOb});
+    m_nReadDepth++;
     try {
         pOb->Serialize(*this);
     } catch (...) {
-        m_loadMap[nIndex].pOb = NULL;
-        delete pOb;
+        // The outermost call deletes what this load created, nested objects included.
+        if (--m_nReadDepth == 0) {
+            for (size_t i = m_loadMap.size(); i-- > nIndex;) {
+                delete m_loadMap[i].pOb;
+                m_loadMap[i].pOb = NULL;
+            }
+        }
         throw;
     }
+    m_nReadDepth--;
     return pOb;
+}
+
+void CArchive::EnsureAvailable(long long nCount, UINT nItemSize) {
+    if (nCount <= 0)
+        return;
+    CheckOpen();
+    long long nLeft = (long long)(m_pBufMax - m_pBufCur) + (long long)m_pFile->GetLength() -
+                      (long long)m_pFile->GetPosition();
+    if (nCount > nLeft / (long long)(nItemSize ? nItemSize : 1))
+        throw CArchiveException(CArchiveException::endOfFile);
 }

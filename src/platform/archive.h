@@ -9,8 +9,10 @@
 //   class seen before  WORD 0x8000 | index, or WORD 0x7FFF then DWORD 0x80000000 | index
 //   new class          WORD 0xFFFF, WORD schema, WORD name length, the name's bytes;
 //                      it takes the next index
-// An object whose Serialize throws while loading is deleted before the exception goes on;
-// objects it had read itself are its own business.
+// When loading fails inside ReadObject, every object that call created (the failing one and
+// all it had read so far, nested containers included) is deleted before the exception
+// leaves it: none of them has reached the caller, so nothing leaks and nothing the caller
+// holds is touched.
 #pragma once
 
 #include "platform/cstring.h"
@@ -48,6 +50,11 @@ public:
     // Loading: makes nBytesNeeded bytes available beyond those still unread in the
     // buffer, or throws endOfFile.
     void FillBuffer(UINT nBytesNeeded);
+
+    // Loading: throws endOfFile unless nCount items of nItemSize bytes can still be read
+    // (what is buffered plus what the file has left), so that a loader never allocates
+    // for a count its input cannot hold. A count of 0 or below needs nothing.
+    void EnsureAvailable(long long nCount, UINT nItemSize);
 
     // Up to nMax raw bytes; fewer only at the end of the file.
     UINT Read(void *lpBuf, UINT nMax);
@@ -122,6 +129,8 @@ private:
         CObject *pOb;
     };
     std::vector<LoadEntry> m_loadMap;
+    // Loading: how deep ReadObject calls are nested.
+    int m_nReadDepth = 0;
 };
 
 inline CArchive &operator<<(CArchive &ar, const CObject *pOb) {

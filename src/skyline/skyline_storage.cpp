@@ -152,9 +152,6 @@ bool CSkylineMatrix::Allocate(CReorderMat &graph) {
 
 void CSkylineMatrix::ReadASCII(CFile *) {}
 
-// Text output: its body comes with the text writers.
-void CSkylineMatrix::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
-
 void CSkylineMatrix::AddValues(LONG *pDOFs, double *pValues, int nDOFs) {
     for (int i = 0; i < nDOFs; i++) {
         const int a = pDOFs[i];
@@ -185,9 +182,6 @@ CVirtRealMat &CSkylineMatrix::operator+=(double dValue) {
             m_pValues[k] += dValue;
     return *this;
 }
-
-// Console dump: its body comes with the text writers.
-void CSkylineMatrix::COUT(const char *) {}
 
 int CSkylineMatrix::PeakRow(int i) {
     return i - m_pHeights[i] + 1;
