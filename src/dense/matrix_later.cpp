@@ -1,5 +1,5 @@
-// CMatrix: slots of the virtual table whose bodies come with later work (products,
-// rotations, text input and output). Until then they do nothing; each body moves to its
+// CMatrix: slots of the virtual table whose bodies come with later work (rotations,
+// text input and output). Until then they do nothing; each body moves to its
 // topic file when it comes.
 #include "dense/matrix.h"
 
@@ -13,11 +13,3 @@ void CMatrix::ReadASCII(CFile *) {}
 void CMatrix::ReadASCII(CFile *, CString, CString, CString) {}
 void CMatrix::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
 void CMatrix::COUT(const char *) {}
-
-// Products with vectors, small matrices and sparse matrices: bodies come later.
-void CMatrix::ApplyTo(CVector &, int) {}
-void CMatrix::ApplyTo(CVector &, CVector &, int) {}
-void CMatrix::SubMult(CMatrix &, int, unsigned int) {}
-void CMatrix::PreMult(CSparseMatrix *, int) {}
-void CMatrix::PreMult(CSparseMatrix *, CMatrix &, bool, int) {}
-void CMatrix::ATthisA(CSparseMatrix *) {}
