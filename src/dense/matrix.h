@@ -24,6 +24,9 @@
 // - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
 // - fabsMaxInCol of a column without a comparable magnitude (all NaN) refers to its top.
 // - Eig and AAT are entry points without a body.
+// - No product tests a shape. ApplyTo's flat walks take their lengths from the vectors (in
+//   for mode 1, out for mode 2), so a wrong shape gives wrong values, as the walk implies.
+// - PostPreMult's int argument has no role.
 #pragma once
 
 #include "dense/vector.h"
