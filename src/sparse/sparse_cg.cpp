@@ -53,8 +53,23 @@ public:
                 continue;
             double *pRowAP = pAP + (size_t)r->m_nRow * c;
             const double *pRowP = pP + (size_t)r->m_nRow * c;
-            AddRow(pRowAP, pP + (size_t)f->m_nCol * c, f->m_dValue, c);
             nFlops += 2 * (ULONG)c;
+            if (c == 1) {
+                // one column: the row's sum stays in a register, in the same order
+                const double p = pRowP[0];
+                double s = pRowAP[0] + f->m_dValue * pP[f->m_nCol];
+                for (SpCell *e = f->m_pNext; e != NULL; e = e->m_pNext) {
+                    s += e->m_dValue * pP[e->m_nCol];
+                    if (e->m_nCol == r->m_nRow) // its mirror is this very element
+                        s += e->m_dValue * p;
+                    else
+                        pAP[e->m_nCol] += e->m_dValue * p;
+                    nFlops += 4;
+                }
+                pRowAP[0] = s;
+                continue;
+            }
+            AddRow(pRowAP, pP + (size_t)f->m_nCol * c, f->m_dValue, c);
             for (SpCell *e = f->m_pNext; e != NULL; e = e->m_pNext) {
                 AddRow(pRowAP, pP + (size_t)e->m_nCol * c, e->m_dValue, c);
                 AddRow(pAP + (size_t)e->m_nCol * c, pRowP, e->m_dValue, c);
@@ -90,10 +105,21 @@ public:
                 nFlops += (ULONG)c;
                 continue;
             }
-            for (int q = 0; q < nCount; q++)
-                AddRow(pRowAP, pP + (size_t)pColumn[q] * c, pValue[q], c);
-            for (int q = 1; q < nCount; q++)
-                AddRow(pAP + (size_t)pColumn[q] * c, pRowP, pValue[q], c);
+            if (c == 1) {
+                // one column: the row's sum stays in a register, in the same order
+                double s = pRowAP[0];
+                for (int q = 0; q < nCount; q++)
+                    s += pValue[q] * pP[pColumn[q]];
+                pRowAP[0] = s;
+                const double p = pRowP[0];
+                for (int q = 1; q < nCount; q++)
+                    pAP[pColumn[q]] += pValue[q] * p;
+            } else {
+                for (int q = 0; q < nCount; q++)
+                    AddRow(pRowAP, pP + (size_t)pColumn[q] * c, pValue[q], c);
+                for (int q = 1; q < nCount; q++)
+                    AddRow(pAP + (size_t)pColumn[q] * c, pRowP, pValue[q], c);
+            }
             nFlops += (4 * (ULONG)nCount - 2) * (ULONG)c;
             pValue += nCount;
             pColumn += nCount;
@@ -158,14 +184,19 @@ int Iterate(Product &product, CMatrix &P, Work &w, int nMaxIter, double dTol, do
         for (int k = 0; k < c; k++)
             pNorms[k] = Quotient(pNorms[k], pDen[k]);
 
+        // the update, and in the same pass the new sums of squares of R, summed row after
+        // row as Vect2Norm sums them; the step lengths move to den
+        for (int k = 0; k < c; k++) {
+            pDen[k] = pNorms[k];
+            pNorms[k] = 0.0;
+        }
         for (int i = 0; i < m; i++)
             for (int k = 0; k < c; k++) {
-                pX[i * c + k] += pNorms[k] * pP[i * c + k];
-                pR[i * c + k] -= pNorms[k] * pAP[i * c + k];
+                pX[i * c + k] += pDen[k] * pP[i * c + k];
+                const double r = pR[i * c + k] - pDen[k] * pAP[i * c + k];
+                pR[i * c + k] = r;
+                pNorms[k] += r * r;
             }
-
-        w.R.Vect2Norm(w.norms, -1);
-        pNorms = w.norms.m_pVector;
         if (Ratio(w.norms.InfNorm(), v0) < dTol) {
             if (pT != NULL)
                 pT[1] += (double)AfxClock();
