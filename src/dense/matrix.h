@@ -24,6 +24,9 @@
 // - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
 // - fabsMaxInCol of a column without a comparable magnitude (all NaN) refers to its top.
 // - Eig and AAT are entry points without a body.
+// - No product tests a shape. ApplyTo's flat walks take their lengths from the vectors (in
+//   for mode 1, out for mode 2), so a wrong shape gives wrong values, as the walk implies.
+// - PostPreMult's int argument has no role.
 #pragma once
 
 #include "dense/vector.h"
@@ -68,9 +71,9 @@ public:
     virtual CMatrix &MakeRotMat(CVector &v);
     // The block between a begin and an end tag, with comments and nested blocks.
     virtual void ReadASCII(CFile *pFile, CString strBegin, CString strEnd, CString strComment);
-    // v becomes X or X-transposed times v.
+    // v becomes X v (mode 1) or X^T v (mode 2); any other mode leaves v empty.
     virtual void ApplyTo(CVector &v, int nMode);
-    // out gains X or X-transposed times in.
+    // out gains X in (mode 1) or X^T in (mode 2); X walked flat, bounds from the vectors.
     virtual void ApplyTo(CVector &in, CVector &out, int nMode);
     // The contents survive exactly when the element count stays; a 0 by n request
     // returns false and leaves an empty matrix of 0 rows.
@@ -80,6 +83,8 @@ public:
     // Greatest and smallest length over the rows (bCols) or columns of two elements.
     virtual void GetMaxMinLength(double &dMax, double &dMin, int n1, int n2, bool bCols);
     virtual void GetMaxMinLength(double &dMax, double &dMin, int n1, int n2, int n3, bool bCols);
+    // Multiplies the k rows (flag bits 1, 4) or k columns (2, 8) from nFirst by the k by k
+    // R: bit 1 R^T B, 2 B R, 4 R B, 8 B R^T, applied in that order. R must not be X.
     virtual void SubMult(CMatrix &R, int nFirst, unsigned int nFlags);
     // 2-norms (nMode above 0) or sums of squares of the columns (|nMode| 1) or rows.
     virtual void Vect2Norm(CVector &out, int nMode);
@@ -94,8 +99,14 @@ public:
     virtual double Frobenius();
     // An n by n matrix of zeros with dDiagonal on the diagonal.
     virtual void Identity(int n, double dDiagonal);
+    // X = A X (mode 0) or (A + A^T) X (mode 1, a diagonal cell counts twice); any other
+    // mode leaves zeros. X is A's row count by its column count afterwards.
     virtual void PreMult(CSparseMatrix *A, int nMode);
+    // out = (or += with bAdd) A X, mode 0; mode 1 reads A as an upper triangle with the
+    // diagonal first in each row. Counts 2 flops per column for a first cell, 4 for the
+    // others (mode 0: 2 for every cell). X stays.
     virtual void PreMult(CSparseMatrix *A, CMatrix &out, bool bAdd, int nMode);
+    // X = A X A^T for a square X of A's order.
     virtual void ATthisA(CSparseMatrix *A);
     // Reshapes without touching the elements: n rows, or n columns with bIsColumns.
     // False and no change when m_nSize is no multiple of n.
@@ -181,6 +192,23 @@ public:
     // Subtracts the mean of the diagonal from the diagonal.
     void Dev();
 
+    // --- products ---
+    // X = X B: in place when B has X's column count (B must not be X), else through a
+    // temporary.
+    CMatrix &operator*=(CMatrix &B);
+    // The same product through the virtual accessors of both.
+    void PostMult(CMatrix &B);
+    // X = Q X^T Q^T for a square X; the int has no role.
+    void PostPreMult(CMatrix &Q, int nUnused);
+    // M += dFactor a b^T, M's array walked as one flat sequence; with bReverse a and b are
+    // taken last to first. A zero factor of an element of a skips its row.
+    static void vectAvectBT(CMatrix &M, CVector &a, CVector &b, double &dFactor, bool bReverse);
+    // Adds the non-zero elements into pS, made when NULL (then the caller's); the walk runs
+    // from the last element so that every node goes in at the head of its list.
+    void Sparse(CSparseMatrix *&pS);
+    // X becomes the dense form of pS; columns up to the last cell of any row.
+    void UnSparse(CSparseMatrix *pS);
+
     // --- factorisation and solving ---
     // Solves in place for all columns of pB with the factors of LUP_Decomp (pPerm) or of
     // LU (pPerm NULL).
@@ -207,4 +235,8 @@ public:
                     bool bCols);
 
     int m_nRows;
+
+private:
+    // Frees the array and takes over T's array, size and row count; T is left empty.
+    void TakeOver(CMatrix &T);
 };

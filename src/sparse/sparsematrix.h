@@ -31,6 +31,14 @@
 // - UnifyAndZero(nRow) with nRow in front of the first row makes row nRow the new head.
 // - Allocate with a negative row count empties the matrix, as a count of 0 does.
 // - AddValues expects distinct indices; a repeat sums the entry found last once more.
+// - Conjugate gradients: a column whose residual is exactly zero (a zero right-hand side,
+//   or one solved exactly while others go on) takes a step and a beta of 0.0 where the
+//   plain rule has 0/0: its solution is 0 (or stays as reached) and it poisons no other
+//   column. A zero reference v_0 with a zero residual counts as meeting the test, so an
+//   all-zero B stops in the first iteration with zeros; with a start vector and a zero B
+//   only an exact zero residual meets it. A B without rows returns 0 at once, dNorm 0.0.
+// - ConjGradient: a row without a diagonal cell scales by 1.0, and a row without any cell
+//   adds nothing to the product (ConjGradient2 takes it as a row of the identity).
 #pragma once
 
 #include "frame/virtmat.h"
@@ -121,10 +129,19 @@ public:
     virtual void Clear();
     // Copies the lists into flat arrays (caller frees with delete[]); a lone 1.0 counts 0.
     virtual int MakeArrayMat(double *&pValues, int *&pCounts, int *&pColumns, int nRows);
+    // Conjugate gradients on the upper triangle for all columns of B (a CMatrix) at once,
+    // on a flat copy: a lone 1.0 row is the identity, the lists stay as they are. The
+    // solution replaces B; dNorm gets the last residual's worst column sum of squares. The
+    // test: that over v_0, the scaled B's, below dTol. Yields the iterations completed (the
+    // one that meets the test not counted; nMaxIter if never met). pTimes (seconds of the
+    // products and of the rest) also brings the report.
     virtual int ConjGradient2(CVirtMat &B, double &dNorm, int nMaxIter, double dTol,
                               CVector *pTimes, bool bScale);
     // No effect: the reorderings live in CReorderMat.
     virtual void MinDegReorder(CVector &v);
+    // The same on the lists, from the start vector pX0 (a CMatrix, which then receives the
+    // solution while B keeps the last directions); bScale divides the cells in place for
+    // good. v_0 is B's as passed in. No report.
     virtual int ConjGradient(CVirtMat &B, CVirtMat *pX0, double &dNorm, int nMaxIter, double dTol,
                              CVector *pTimes, bool bScale);
     // Frees the cells left of the diagonal (same body as MakeLower).

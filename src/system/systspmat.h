@@ -13,7 +13,7 @@
 //   assembly   with CVirtMat::m_bSym true, AddValues(f_v-mapped dofs, element, n)
 //   prescribed SymUnifyAndZero or SymHandleBCs (UnifyAndZero2 for full storage)
 //   solve      the inherited Cholesky_Solve / LU_Solve, reaching Cholesky / LU below,
-//              or GaussSeidel_Iter
+//              or GaussSeidel_Iter, or the inherited ConjGradient / ConjGradient2
 //   next load  Allocate of the same size: every cell, fill-in included, back to 0.0
 //
 // Invariants: m_pRowTable[i].m_nRow == i; m_pFirstRow == m_pRowTable and each row links to
