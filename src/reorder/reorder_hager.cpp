@@ -7,6 +7,81 @@
 #include <cstdio>
 #include <vector>
 
+namespace {
+
+// Vertices ordered by a pair of keys, the largest on top; a key change costs log n. The
+// numberings keep their candidates here instead of scanning all of Z for the best.
+class CMaxHeap {
+public:
+    explicit CMaxHeap(int n) : m_key1(n), m_key2(n), m_where(n, -1) { m_heap.reserve(n); }
+    bool Empty() const { return m_heap.empty(); }
+    int Top() const { return m_heap[0]; }
+    double TopKey() const { return m_key1[m_heap[0]]; }
+    // Puts v in with the keys given, or moves it to them.
+    void Set(int v, double dKey1, int nKey2) {
+        m_key1[v] = dKey1;
+        m_key2[v] = nKey2;
+        if (m_where[v] < 0) {
+            m_where[v] = (int)m_heap.size();
+            m_heap.push_back(v);
+        }
+        Up(m_where[v]);
+        Down(m_where[v]);
+    }
+    void Remove(int v) {
+        int i = m_where[v];
+        int nLast = m_heap.back();
+        m_heap.pop_back();
+        m_where[v] = -1;
+        if (nLast == v)
+            return;
+        m_heap[i] = nLast;
+        m_where[nLast] = i;
+        Up(i);
+        Down(m_where[nLast]);
+    }
+
+private:
+    bool Less(int a, int b) const {
+        return m_key1[a] < m_key1[b] || (m_key1[a] == m_key1[b] && m_key2[a] < m_key2[b]);
+    }
+    void Place(int i, int v) {
+        m_heap[i] = v;
+        m_where[v] = i;
+    }
+    void Up(int i) {
+        int v = m_heap[i];
+        while (i > 0 && Less(m_heap[(i - 1) / 2], v)) {
+            Place(i, m_heap[(i - 1) / 2]);
+            i = (i - 1) / 2;
+        }
+        Place(i, v);
+    }
+    void Down(int i) {
+        int v = m_heap[i];
+        int n = (int)m_heap.size();
+        for (;;) {
+            int c = 2 * i + 1;
+            if (c >= n)
+                break;
+            if (c + 1 < n && Less(m_heap[c], m_heap[c + 1]))
+                c++;
+            if (!Less(v, m_heap[c]))
+                break;
+            Place(i, m_heap[c]);
+            i = c;
+        }
+        Place(i, v);
+    }
+
+    std::vector<double> m_key1;
+    std::vector<int> m_key2;
+    std::vector<int> m_where; // place of each vertex in m_heap, -1 when out
+    std::vector<int> m_heap;
+};
+
+} // namespace
+
 float CReorderMat::WFun(int x) {
     if (x > 200)
         return 0.1f;
@@ -85,19 +160,19 @@ void CReorderMat::EndHagerRun(CFile &file, int nOldB, int nOldEnv, LONG nStart) 
     file.Close();
 }
 
-// Moves the vertex at position nPos of Z to position m_nZ, where it takes label m_nZ.
-static int TakeFromZ(CReorderMat &g, int nPos) {
+// Moves the vertex at position nPos of Z to position m_nZ, where it takes label m_nZ. With
+// pPos given, keeps the position of each vertex in Z there.
+static int TakeFromZ(CReorderMat &g, int nPos, std::vector<int> *pPos = NULL) {
     int v = g.m_pZ[nPos];
-    g.m_pZ[nPos] = g.m_pZ[g.m_nZ];
+    int u = g.m_pZ[g.m_nZ];
+    g.m_pZ[nPos] = u;
     g.m_pZ[g.m_nZ] = v;
     g.m_pLabels[v] = g.m_nZ;
+    if (pPos != NULL) {
+        (*pPos)[u] = nPos;
+        (*pPos)[v] = g.m_nZ;
+    }
     return v;
-}
-
-static void CountNumbered(CReorderMat &g, int v) {
-    const LONG *pRow = g.m_ppRows[v];
-    for (int j = 0; j < g.m_pRowSizes[v]; j++)
-        g.m_pInverse[pRow[j]]++;
 }
 
 void CReorderMat::Hager1() {
@@ -124,9 +199,32 @@ void CReorderMat::Hager1() {
         m_pZ[s] = n - 1;
         m_pZ[n - 1] = s;
         m_pLabels[s] = n - 1;
-        CountNumbered(*this, s);
-        for (m_nZ = n - 2; m_nZ >= 0; m_nZ--)
-            CountNumbered(*this, TakeFromZ(*this, MinZ()));
+
+        // MinZ's choice, most numbered neighbours and then the lowest vertex, is the top of
+        // a heap on (count, -vertex); a numbered vertex raises its neighbours' counts.
+        std::vector<int> pos(n);
+        CMaxHeap heap(n);
+        for (int i = 0; i < n; i++) {
+            pos[m_pZ[i]] = i;
+            if (i != s)
+                heap.Set(i, 0.0, -i);
+        }
+        auto CountNumbered = [&](int v) {
+            const LONG *pRow = m_ppRows[v];
+            for (int j = 0; j < m_pRowSizes[v]; j++) {
+                int x = pRow[j];
+                m_pInverse[x]++;
+                if (m_pLabels[x] < 0)
+                    heap.Set(x, m_pInverse[x], -x);
+            }
+        };
+        CountNumbered(s);
+        for (m_nZ = n - 2; m_nZ >= 0; m_nZ--) {
+            int v = heap.Top();
+            heap.Remove(v);
+            TakeFromZ(*this, pos[v], &pos);
+            CountNumbered(v);
+        }
         delete[] m_pZ;
         m_pZ = NULL;
     }
@@ -179,16 +277,21 @@ void CReorderMat::Hager3() {
         S[i] = WFun(std::min(n - d, d + 1));
     }
     float w1 = WFun(1);
+    // The pass over Z for the largest score, from -1 and the last position on ties, is the
+    // top of a heap on (score, position in Z).
+    std::vector<int> pos(n);
+    CMaxHeap heap(n);
+    for (int i = 0; i < n; i++) {
+        pos[i] = i;
+        heap.Set(i, S[i], i);
+    }
     for (m_nZ = n - 1; m_nZ >= 0; m_nZ--) {
-        float fBest = -1.0f;
-        int nPos = 0;
-        for (int i = 0; i <= m_nZ; i++) {
-            if (S[m_pZ[i]] >= fBest) {
-                fBest = S[m_pZ[i]];
-                nPos = i;
-            }
-        }
-        int v = TakeFromZ(*this, nPos);
+        int nPos = heap.TopKey() >= -1.0 ? pos[heap.Top()] : 0;
+        int u = m_pZ[m_nZ]; // takes the place that v leaves
+        int v = TakeFromZ(*this, nPos, &pos);
+        heap.Remove(v);
+        if (u != v)
+            heap.Set(u, S[u], pos[u]);
 
         // Numbered neighbours lose v from their unnumbered ones; at w1, v was the last.
         const LONG *pRow = m_ppRows[v];
@@ -217,6 +320,7 @@ void CReorderMat::Hager3() {
                 if (m_pLabels[y] > -1)
                     S[c] += S[y];
             }
+            heap.Set(c, S[c], pos[c]);
         }
     }
 

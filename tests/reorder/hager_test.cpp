@@ -212,3 +212,104 @@ TEST(Hager, ScoresGoThroughTheTable) {
     EXPECT_GT(g3.m_nCalls, 121);
     EXPECT_GT(g2.m_nCalls, 10 * g3.m_nCalls);
 }
+
+// Hager1 and Hager3 as plain passes over Z for every label, with the library's weights and
+// counts: the heaps of the library have to give the same labels.
+class ScanHager : public HagerGraph {
+public:
+    void ScanHager1() {
+        int n = m_nRows;
+        InitLabels(-1);
+        std::vector<LONG> z(n);
+        m_pZ = z.data();
+        int s = -1, nMin = n + 1;
+        for (int i = n - 1; i >= 0; i--) {
+            z[i] = i;
+            m_pInverse[i] = 0;
+            if (m_pRowSizes[i] < nMin) {
+                nMin = m_pRowSizes[i];
+                s = i;
+            }
+        }
+        std::swap(z[s], z[n - 1]);
+        m_pLabels[s] = n - 1;
+        for (int j = 0; j < m_pRowSizes[s]; j++)
+            m_pInverse[m_ppRows[s][j]]++;
+        for (m_nZ = n - 2; m_nZ >= 0; m_nZ--) {
+            int p = MinZ();
+            std::swap(z[p], z[m_nZ]);
+            int v = z[m_nZ];
+            m_pLabels[v] = m_nZ;
+            for (int j = 0; j < m_pRowSizes[v]; j++)
+                m_pInverse[m_ppRows[v][j]]++;
+        }
+        m_pZ = NULL;
+    }
+    void ScanHager3() {
+        int n = m_nRows;
+        InitLabels(-1);
+        std::vector<float> S(n);
+        std::vector<LONG> z(n);
+        for (int i = 0; i < n; i++) {
+            z[i] = i;
+            S[i] = WFun(std::min(n - d_k(i), d_k(i) + 1));
+        }
+        for (int k = n - 1; k >= 0; k--) {
+            float fBest = -1.0f;
+            int p = 0;
+            for (int i = 0; i <= k; i++)
+                if (S[z[i]] >= fBest) {
+                    fBest = S[z[i]];
+                    p = i;
+                }
+            std::swap(z[p], z[k]);
+            int v = z[k];
+            m_pLabels[v] = k;
+            const LONG *pRow = m_ppRows[v];
+            for (int j = 0; j < m_pRowSizes[v]; j++)
+                if (m_pLabels[pRow[j]] > -1 && S[pRow[j]] != WFun(1))
+                    S[pRow[j]] = WFun(d_k(pRow[j]));
+            int d = d_k(v);
+            S[v] = d == 0 ? 0.0f : WFun(d);
+            for (int j = 0; d > 0 && j < m_pRowSizes[v]; j++) {
+                int c = pRow[j];
+                if (m_pLabels[c] > -1)
+                    continue;
+                S[c] = WFun(std::min(k - d_k(c), n));
+                for (int i = 0; i < m_pRowSizes[c]; i++)
+                    if (m_pLabels[m_ppRows[c][i]] > -1)
+                        S[c] += S[m_ppRows[c][i]];
+            }
+        }
+    }
+};
+
+TEST(Hager, HeapsChooseAsThePassOverZ) {
+    ScriptDir dir;
+    ReportRecorder reports;
+    ElementList quads; // a 12 by 12 grid of quads: many equal scores
+    for (LONG r = 0; r < 12; r++)
+        for (LONG c = 0; c < 12; c++) {
+            LONG a = r * 13 + c;
+            quads.push_back({a, a + 1, a + 14, a + 13});
+        }
+    std::vector<std::pair<int, ElementList>> graphs = {{169, quads}};
+    for (const char *pszName : {"can_445", "dwt_234", "bcsstk01"}) {
+        int n = 0;
+        ElementList edges;
+        ASSERT_TRUE(LoadGraphFile(pszName, n, edges));
+        graphs.push_back({n, edges});
+    }
+    for (auto &graph : graphs) {
+        ScanHager g;
+        BuildGraph(g, graph.first, graph.second);
+        g.Hager1();
+        Longs labels = g.Labels();
+        g.ScanHager1();
+        EXPECT_EQ(g.Labels(), labels) << graph.first;
+        g.Hager3();
+        labels = g.Labels();
+        g.ScanHager3();
+        EXPECT_EQ(g.Labels(), labels) << graph.first;
+    }
+}
