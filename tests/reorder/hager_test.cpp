@@ -313,3 +313,23 @@ TEST(Hager, HeapsChooseAsThePassOverZ) {
         EXPECT_EQ(g.Labels(), labels) << graph.first;
     }
 }
+
+TEST(Hager, NothingHappensWithoutAScript) {
+    ScriptDir dir;
+    ReportRecorder reports;
+    CReorderMat::SetScriptName((dir.Script() + "/no/such/dir/Reord.m").c_str());
+    HagerGraph g;
+    BuildGraph(g, 3, {{0, 1}, {1, 2}});
+    g.m_pLabels[0] = 2;
+    g.m_pLabels[2] = 0;
+    g.m_nZ = 5;
+    g.InitTabu(9);
+    g.Hager1();
+    g.Hager2();
+    g.Hager3();
+    g.TabuReorder();
+    EXPECT_EQ(g.Labels(), (Longs{2, 1, 0}));
+    EXPECT_EQ(g.m_nZ, 5);
+    EXPECT_EQ(Longs(g.m_pInverse, g.m_pInverse + 3), (Longs{9, 9, 9}));
+    EXPECT_TRUE(reports.Texts().empty());
+}
