@@ -40,6 +40,11 @@
 //   of each label, kept along with every Move the search makes, instead of a pass over all
 //   vertices; a hit is checked through f_v, and outside a search, or when the labels at the
 //   start are not a permutation, mid scans as before. The vertex is the same either way.
+// - Hager1 and Hager3 take their next vertex from a heap on the key their pass over Z
+//   compares (count then lowest vertex; score then last position in Z), updated where a
+//   numbering changes a key: the same labels for all scores that are numbers, at log n a
+//   change instead of a pass over Z per label. Hager2 keeps its pass, as the yardstick
+//   that Hager3 improves on.
 // - The Hager reports divide by the old bandwidth and envelope in doubles as they are; for
 //   a graph without edges that is 0.0 / 0.0, and the report shows what snprintf prints for
 //   that NaN with "%5.1f" (" -nan" on x86-64 with glibc) in both places.
