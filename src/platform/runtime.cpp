@@ -38,3 +38,19 @@ int AfxRand() {
 void AfxSrand(unsigned nSeed) {
     s_nRandState = nSeed;
 }
+
+static time_t DefaultTimeSource() {
+    return time(NULL);
+}
+
+static AfxTimeSource s_pfnTime = DefaultTimeSource;
+
+time_t AfxTime() {
+    return s_pfnTime();
+}
+
+AfxTimeSource AfxSetTimeSource(AfxTimeSource pfnSource) {
+    AfxTimeSource pfnOld = s_pfnTime;
+    s_pfnTime = pfnSource ? pfnSource : DefaultTimeSource;
+    return pfnOld;
+}

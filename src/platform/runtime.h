@@ -4,6 +4,8 @@
 
 #include "platform/types.h"
 
+#include <ctime>
+
 // What a report handler returns when the user has dismissed the text.
 enum { IDOK = 1 };
 
@@ -21,3 +23,10 @@ LONG AfxClock();
 // 0 to 32767 from the classic linear congruential generator.
 int AfxRand();
 void AfxSrand(unsigned nSeed);
+
+// Seconds since the epoch, as time(NULL) gives them, for the seeds taken from the clock.
+// A test that has to repeat a time-seeded run installs a source that returns a fixed time:
+// AfxSetTimeSource returns the previous source, and NULL restores time(NULL).
+typedef time_t (*AfxTimeSource)();
+time_t AfxTime();
+AfxTimeSource AfxSetTimeSource(AfxTimeSource pfnSource);

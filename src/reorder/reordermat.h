@@ -28,11 +28,31 @@
 //   those of one write per line.
 // - MinDegReorder4 stops numbering if no unnumbered vertex has a degree below n, which
 //   only a vertex listed as its own neighbour can bring about.
-// - TabuReorder, TabuReorder2, GetClosestToMid, NumMovables, IsCandidate, mid, InitTabu,
-//   WFun and the Hager operations hold their places; their bodies come later.
+// - TabuReorder seeds its generator with AfxSrand(AfxTime()), so a test fixes its run with
+//   AfxSetTimeSource. Its random start (rand() * m_nRows - 1) / 32767 is computed in 64
+//   bits: the same vertex as the 32-bit product up to 65538 vertices, where that product
+//   still fits, and a vertex below m_nRows beyond, where it would overflow.
+// - TabuReorder2 sets m_nZ to its move counter plus 1 while it chooses a move, so that
+//   IsCandidate's "mark below m_nZ" and the search's own "mark not above the counter" agree:
+//   every free vertex scores its B_f, whatever an earlier operation left in m_nZ. It
+//   returns with m_nZ holding the number of moves made, as TabuReorder leaves its turns.
+// - During a tabu search mid finds the vertex of its middle label in a table of the vertex
+//   of each label, kept along with every Move the search makes, instead of a pass over all
+//   vertices; a hit is checked through f_v, and outside a search, or when the labels at the
+//   start are not a permutation, mid scans as before. The vertex is the same either way.
+// - Hager1 and Hager3 take their next vertex from a heap on the key their pass over Z
+//   compares (count then lowest vertex; score then last position in Z), updated where a
+//   numbering changes a key: the same labels for all scores that are numbers, at log n a
+//   change instead of a pass over Z per label. Hager2 keeps its pass, as the yardstick
+//   that Hager3 improves on.
+// - The Hager reports divide by the old bandwidth and envelope in doubles as they are; for
+//   a graph without edges that is 0.0 / 0.0, and the report shows what snprintf prints for
+//   that NaN with "%5.1f" (" -nan" on x86-64 with glibc) in both places.
 #pragma once
 
 #include "reorder/arrayarray.h"
+
+#include <vector>
 
 class CReorderMat : public CArrayArray<LONG> {
 public:
@@ -67,11 +87,17 @@ public:
     virtual void WritePlotASCII(CFile *pFile);
     // Yields the envelope (sum of B_f); stores the bandwidth in *pBandwidth if given.
     virtual int Env(int *pBandwidth);
+    // The neighbour of v to swap with: the candidate nearest the middle of v's higher
+    // neighbours, first in the row on ties; v itself if none is nearer than v.
     virtual int GetClosestToMid(int v);
+    // Silent tabu search over all vertices; needs the tabu marks set (InitTabu).
     virtual void TabuReorder2();
     // Yields the bandwidth; v is the first vertex reaching it (0 for bandwidth 0).
     virtual int GetB(int &v);
+    // Number of neighbours of v whose tabu mark is below nLimit.
     virtual int NumMovables(int v, int nLimit);
+    // Tabu search from the bandwidth-setting vertex, with report and script; needs the
+    // tabu marks set (InitTabu).
     virtual void TabuReorder();
     // Between the two passes: gives every vertex its row, filled with -1, count 0.
     virtual void Init();
@@ -82,7 +108,9 @@ public:
     virtual int f_v(int v);
 
 protected:
+    // Whether a may swap with b: b nearer a's middle than a, or b's mark below m_nZ.
     virtual bool IsCandidate(int a, int b);
+    // The middle label of v's higher neighbours; v becomes the vertex holding it, if any.
     virtual int mid(int &v);
     // Swaps the labels of a and b.
     virtual void Move(int a, int b);
@@ -104,7 +132,11 @@ public:
     // Named in the interface without an algorithm: does nothing.
     void GenRevCuthillMcKee();
 
+    // Sets every tabu mark (m_pInverse) to nValue.
     void InitTabu(LONG nValue);
+    // Numberings from the last label down; each shows a report and writes the script.
+    // Hager1 takes the vertex with most numbered neighbours, Hager2 the largest S_k,
+    // Hager3 the largest of scores it keeps up to date. m_nZ is -1 after each.
     void Hager1();
     void Hager2();
     void Hager3();
@@ -119,8 +151,11 @@ protected:
 
     // Numbers a chain starting at nVertex with nLabel on (see MinDegReorder4).
     int SetLabels(int nVertex, int &nLabel, int nGap);
+    // Position in Z of the vertex with most numbered neighbours, lowest number on ties.
     int MinZ();
+    // Hager score of an unnumbered vertex at the current m_nZ.
     float S_k(int v);
+    // Number of unnumbered neighbours of v (r_k is the same).
     int d_k(int v);
     int r_k(int v);
 
@@ -131,4 +166,19 @@ protected:
     // Ends a minimum-degree run on its own script: stops the clock, writes "after" and the
     // trailer, closes the file, then shows the report.
     void EndScriptedRun(CFile &file, LONG nStart);
+
+private:
+    // The common frame of the Hager numberings: script, measures before, clock, all
+    // vertices unnumbered; false when the script can't be opened.
+    bool BeginHagerRun(CFile &file, int &nOldB, int &nOldEnv, LONG &nStart);
+    // Stops the clock, measures, shows the report, then writes "after" and closes.
+    void EndHagerRun(CFile &file, int nOldB, int nOldEnv, LONG nStart);
+    // The vertex of label m, first in vertex order, or -1: what mid searches for.
+    int FindLabel(int m);
+    // Starts (bOn) or ends the label table of a tabu search.
+    void TrackLabels(bool bOn);
+    // Move(a, b) with the label table kept up to date.
+    void TabuMove(int a, int b);
+
+    std::vector<LONG> m_labelIndex; // during a tabu search: the vertex of each label
 };
