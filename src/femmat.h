@@ -17,3 +17,5 @@
 
 #include "reorder/arrayarray.h"
 #include "reorder/reordermat.h"
+
+#include "textio/tagseek.h"

@@ -8,9 +8,7 @@ CMatrix &CMatrix::MakeRotMat(CVector &) {
     return *this;
 }
 
-// Text readers and writers: bodies come later.
-void CMatrix::ReadASCII(CFile *) {}
-void CMatrix::ReadASCII(CFile *, CString, CString, CString) {}
+// Text writers: bodies come later.
 void CMatrix::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
 void CMatrix::COUT(const char *) {}
 

@@ -143,8 +143,7 @@ void CVector::AddValues(LONG *pIndices, double *pValues, int nCount) {
             m_pVector[pIndices[i]] += pValues[i];
 }
 
-// The text forms come with the text I/O work.
-void CVector::ReadASCII(CFile *) {}
+// The text writer comes with the text output work.
 void CVector::WriteASCII(CFile *, CString, CString, int, int, int, bool, bool) {}
 
 void CVector::Serialize(CArchive &ar) {

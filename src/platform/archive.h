@@ -48,6 +48,9 @@ public:
     // Loading: makes nBytesNeeded bytes available beyond those still unread in the
     // buffer, or throws endOfFile.
     void FillBuffer(UINT nBytesNeeded);
+    // Loading: bytes read ahead from the file and not yet handed out, so that a reader
+    // knows where the file stands behind what it took.
+    UINT GetReadAhead() const { return (UINT)(m_pBufMax - m_pBufCur); }
 
     // Up to nMax raw bytes; fewer only at the end of the file.
     UINT Read(void *lpBuf, UINT nMax);
