@@ -1,7 +1,10 @@
 // Reads arbitrary bytes as one line of numbers, and expands the symbols from an arbitrary
 // search index: every token must be a run of number characters, each call must move on,
-// the loop must end, and an expansion can only grow a line by its replacements.
+// the loop must end, and an expansion can only grow a line by its replacements. The
+// readers' own loop, which skips searches that can't change the line, must give the same
+// tokens and the same line.
 #include "femmat.h"
+#include "textio/textlines.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,11 +27,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
 
     // the readers' loop over the whole line
     CString strLine(text), strToken;
+    CString strReaderLine(text);
+    textio_detail::CLineNumbers numbers(strReaderLine);
     int nPos = 0, nTokens = 0;
     for (;;) {
         int nBefore = nPos;
         CVirtMat::ReadNumber(nPos, strLine, strToken);
         Check(strLine.GetLength() <= nMaxLength);
+        bool bMore = numbers.Next();
+        Check(bMore == !strToken.IsEmpty());
+        Check(!bMore || numbers.Value() == strtod(strToken, NULL) ||
+              numbers.Value() != numbers.Value());
+        Check(strReaderLine == strLine);
         if (strToken.IsEmpty()) {
             Check(nPos == (nBefore < strLine.GetLength() ? strLine.GetLength() : nBefore));
             break;

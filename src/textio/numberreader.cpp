@@ -74,12 +74,28 @@ void Expand(CString &strLine, int &nIndex, const Symbol &sym) {
     }
 }
 
-// Any letter that begins a symbol's written form; without one a line can't expand.
-bool HasSymbolLetter(const CString &strLine) {
-    for (char c : strLine.str())
-        if (c == 'P' || c == 'p' || c == 'I' || c == 'i' || c == 'G' || c == 'g')
-            return true;
-    return false;
+// The index of the last word of any symbol with boundaries on both sides, or -1. Only
+// such a word can be replaced, and a replacement never makes one (it starts and ends with
+// a digit and holds no letter), so a call whose index lies behind it changes nothing.
+int LastWord(const CString &strLine) {
+    const std::string &s = strLine.str();
+    int nLength = (int)s.size();
+    for (int i = nLength - 1; i >= 0; i--) {
+        int nWord = 0;
+        char c = s[i];
+        if (c == 'G' || c == 'g') {
+            nWord = 1;
+        } else if (i + 1 < nLength) {
+            char d = s[i + 1];
+            if ((c == 'P' && (d == 'I' || d == 'i')) || (c == 'p' && d == 'i') ||
+                ((c == 'I' || c == 'i') && d >= '1' && d <= '3'))
+                nWord = 2;
+        }
+        if (nWord > 0 && (i + nWord == nLength || IsBoundary(s[i + nWord])) &&
+            (i == 0 || IsBoundary(s[i - 1])))
+            return i;
+    }
+    return -1;
 }
 
 } // namespace
@@ -150,14 +166,18 @@ void ScanNumber(int &nPos, const CString &strLine, CString &strToken) {
     }
 }
 
-CLineNumbers::CLineNumbers(CString &strLine)
-    : m_strLine(strLine), m_bSymbols(HasSymbolLetter(strLine)) {}
+CLineNumbers::CLineNumbers(CString &strLine) : m_strLine(strLine), m_nLastWord(LastWord(strLine)) {}
 
+// A replacement always lengthens the line, so an unchanged length means no change.
 bool CLineNumbers::Next() {
-    if (m_bSymbols)
-        CVirtMat::ReadNumber(m_nPos, m_strLine, m_strToken);
-    else
+    if (m_nPos > m_nLastWord) {
         ScanNumber(m_nPos, m_strLine, m_strToken);
+    } else {
+        int nLength = m_strLine.GetLength();
+        CVirtMat::ReadNumber(m_nPos, m_strLine, m_strToken);
+        if (m_strLine.GetLength() != nLength)
+            m_nLastWord = LastWord(m_strLine);
+    }
     return !m_strToken.IsEmpty();
 }
 

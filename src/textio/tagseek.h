@@ -18,8 +18,10 @@
 //   index behind it (a call at the line's end) leaves it alone, like every other word.
 // - A reader whose allocation fails, or whose size lies beyond an int, leaves the object
 //   empty and stores nothing; the file is placed as after a full read.
-// - Lines without any letter that could begin a symbol are scanned without the expansion
-//   searches: the tokens are those of ReadNumber, in one walk of the line.
+// - The readers skip the expansion searches of the number reader once no symbol word with
+//   boundaries on both sides stands at or behind the index, since no call could change the
+//   line from there: the tokens and lines are those of ReadNumber, and a row costs one walk
+//   instead of one walk per number.
 #pragma once
 
 #include "platform/afx.h"

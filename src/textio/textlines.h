@@ -40,7 +40,7 @@ private:
     CString &m_strLine;
     int m_nPos = 0;
     CString m_strToken;
-    bool m_bSymbols; // false: no symbol can expand, so the expansion searches are skipped
+    int m_nLastWord; // behind it nothing can expand, so the expansion searches are skipped
 };
 
 // The count of numbers on the line (which is expanded in place).
