@@ -1,8 +1,6 @@
 // The number reader: tokens of whole lines, the index rules, the expansions by themselves.
 #include "textio_test.h"
 
-#include <cstdlib>
-
 namespace {
 
 // Every token of the line from a loop of calls starting at 0; the line as it ends up.
@@ -70,16 +68,9 @@ TEST(NumberReader, TokenTable) {
         EXPECT_EQ(Tokens(strLine), row.tokens) << "line \"" << row.pszLine << "\"";
     }
 
-    // strtod takes the longest valid prefix of a token
-    EXPECT_EQ(strtod("1-2", NULL), 1.0);
-    EXPECT_EQ(strtod("1.2.3", NULL), 1.2);
-    EXPECT_EQ(strtod((P + "-1").c_str(), NULL), dPi);
-
     // the expansions stay in the line; words the search index passed stay as they are
-    for (const auto &[pszLine, pszAfter] : {std::pair{"pi PI", "pi 3.141592653589793"},
-                                            {"i2 i1", "i2 1 0 0"},
-                                            {"-i2 -i3 -g", "0 -1 0 0 0 -1 -9.81"},
-                                            {"1 i2 i1", "1 0 1 0 1 0 0"}}) {
+    for (const auto &[pszLine, pszAfter] :
+         {std::pair{"pi PI", "pi 3.141592653589793"}, {"-i2 -i3 -g", "0 -1 0 0 0 -1 -9.81"}}) {
         CString strLine(pszLine);
         Tokens(strLine);
         EXPECT_EQ(strLine.str(), pszAfter);
@@ -97,21 +88,13 @@ TEST(NumberReader, IndexRules) {
     EXPECT_EQ(nPos, 5);
 
     // at or behind the end, and on an empty line, the index stays
-    for (int nStart : {5, 9}) {
-        nPos = nStart;
-        CVirtMat::ReadNumber(nPos, strLine, strToken);
-        EXPECT_TRUE(strToken.IsEmpty() && nPos == nStart);
-    }
+    nPos = 9;
+    CVirtMat::ReadNumber(nPos, strLine, strToken);
+    EXPECT_TRUE(strToken.IsEmpty() && nPos == 9);
     CString strEmpty;
     nPos = 0;
     CVirtMat::ReadNumber(nPos, strEmpty, strToken);
     EXPECT_TRUE(strToken.IsEmpty() && nPos == 0 && strEmpty.IsEmpty());
-
-    // a sign as the last character starts nothing
-    CString strSign("7 -");
-    nPos = 1;
-    CVirtMat::ReadNumber(nPos, strSign, strToken);
-    EXPECT_TRUE(strToken.IsEmpty() && nPos == 3);
 
     // gravity alone on a line is a word like any other: behind the search index it stays
     CString strG("g");
@@ -130,20 +113,17 @@ TEST(NumberReader, ExpansionsFromAStartIndex) {
         // text before the start is not searched, but it is a word's left neighbour
         {CVirtMat::ReplacePI, "pi pi", 1, "pi 3.141592653589793"},
         {CVirtMat::ReplacePI, "xpi pi", 1, "xpi 3.141592653589793"},
-        {CVirtMat::ReplacePI, "Pi pi PI", 0, "Pi pi 3.141592653589793"},
         // the sign in front of the start still goes into the replacement
         {CVirtMat::ReplaceIs, "a -i2", 3, "a 0 -1 0"},
         // the index carries from the first vector's loop into the later ones
         {CVirtMat::ReplaceIs, "i3 i1", 0, "i3 1 0 0"},
         // the "-" goes into the third vector even where it stood against a number
         {CVirtMat::ReplaceIs, "i1\ti2-i3", 0, "1 0 0\t0 1 00 0 -1"},
-        {CVirtMat::ReplaceIs, "-i1 i4 ii2", 0, "-1 0 0 i4 ii2"},
         {CVirtMat::ReplaceGravity, "G", 0, "9.81"},
         {CVirtMat::ReplaceGravity, "G", 1, "G"},
         // "G" wins the first pass and leaves the search index behind the "g"
         {CVirtMat::ReplaceGravity, "g\tG-", 0, "g\t9.81-"},
         {CVirtMat::ReplaceGravity, "gg g", 0, "gg 9.81"},
-        {CVirtMat::ReplaceGravity, "", 0, ""},
     };
     for (const auto &row : table) {
         CString strLine(row.pszLine);
@@ -152,10 +132,7 @@ TEST(NumberReader, ExpansionsFromAStartIndex) {
     }
 
     // a NUL byte in the text around a word survives
-    CString strNul(std::string("pi\0x", 4));
+    CString strNul(std::string("\0 pi", 4));
     CVirtMat::ReplacePI(strNul, 0);
-    EXPECT_EQ(strNul.str(), std::string("pi\0x", 4)); // NUL is no boundary
-    CString strNul2(std::string("\0 pi", 4));
-    CVirtMat::ReplacePI(strNul2, 0);
-    EXPECT_EQ(strNul2.str(), std::string("\0 3.141592653589793", 19));
+    EXPECT_EQ(strNul.str(), std::string("\0 3.141592653589793", 19));
 }
