@@ -34,6 +34,7 @@ struct Symbol {
     const char *pszNegated;
 };
 
+// pi as "%.15f" prints it
 const Symbol symPi = {{"PI", "Pi", "pi"}, 2, "3.141592653589793", NULL};
 const Symbol symI1 = {{"I1", "i1", NULL}, 2, "1 0 0", NULL};
 const Symbol symI2 = {{"I2", "i2", NULL}, 2, "0 1 0", "0 -1 0"};
