@@ -15,13 +15,9 @@ namespace {
 // Sizes the matrix zero-filled for a read. False when there is nothing to store into:
 // no element, or a size that can't be held, which leaves the matrix empty.
 bool SizeForRead(CMatrix &m, int nRows, int nCols) {
-    if ((long long)nRows * nCols > INT_MAX) {
-        m.Allocate(0, 0, true, 0.0);
-        return false;
-    }
-    if (m.Allocate(nRows, nCols, true, 0.0))
+    if ((long long)nRows * nCols <= INT_MAX && m.Allocate(nRows, nCols, true, 0.0))
         return true;
-    m.Allocate(0, 0, true, 0.0); // a failed allocation must not leave a size without storage
+    m.Allocate(0, 0, true, 0.0); // empty, not a size without storage
     return false;
 }
 
