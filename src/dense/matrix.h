@@ -24,6 +24,9 @@
 // - Cholesky on a matrix of 0 rows returns 0 and touches nothing (no pivot to read).
 // - fabsMaxInCol of a column without a comparable magnitude (all NaN) refers to its top.
 // - Eig and AAT are entry points without a body.
+// - The text readers place the file by the line reader's real position, so LF files end
+//   up where CR LF files do, and leave the matrix empty when its storage can't be had;
+//   textio/tagseek.h lists every choice of the text input.
 #pragma once
 
 #include "dense/vector.h"
