@@ -22,3 +22,5 @@
 #include "auxtypes/longcontainers.h"
 #include "auxtypes/objcontainers.h"
 #include "auxtypes/funcmat.h"
+
+#include "textio/tagseek.h"

@@ -27,6 +27,9 @@
 // - No product tests a shape. ApplyTo's flat walks take their lengths from the vectors (in
 //   for mode 1, out for mode 2), so a wrong shape gives wrong values, as the walk implies.
 // - PostPreMult's int argument has no role.
+// - The text readers place the file by the line reader's real position, so LF files end
+//   up where CR LF files do, and leave the matrix empty when its storage can't be had;
+//   textio/tagseek.h lists every choice of the text input.
 #pragma once
 
 #include "dense/vector.h"

@@ -7,6 +7,8 @@
 // - The constructor's bInit and dValue default to false and 0.0; all library calls pass them.
 // - Max, Min and operator[] on an empty vector have no element: the caller must not ask.
 // - Copies (copy constructor, operator=) take a const source.
+// - ReadASCII leaves the vector empty when its storage can't be had, and the file behind the
+//   last number's line for CR LF and LF files alike (textio/tagseek.h).
 #pragma once
 
 #include "frame/virtmat.h"

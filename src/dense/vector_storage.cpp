@@ -143,9 +143,6 @@ void CVector::AddValues(LONG *pIndices, double *pValues, int nCount) {
             m_pVector[pIndices[i]] += pValues[i];
 }
 
-// The text forms come with the text I/O work.
-void CVector::ReadASCII(CFile *) {}
-
 void CVector::Serialize(CArchive &ar) {
     if (ar.IsStoring()) {
         ar << (LONG)m_nSize;

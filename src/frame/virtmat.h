@@ -25,6 +25,13 @@ public:
 
     // The "%u m %2.2f s" piece of every report: minutes, and seconds that never reach 60.
     static CString FormatTime(double dSeconds);
+
+    // The number reader of every text reader, and its symbol expansions (textio/): the
+    // symbols at or behind the index become numbers in the line, in place.
+    static void ReadNumber(int &nPos, CString &strLine, CString &strToken);
+    static void ReplacePI(CString &strLine, int nStart);
+    static void ReplaceIs(CString &strLine, int nStart);
+    static void ReplaceGravity(CString &strLine, int nStart);
 };
 
 class CVirtRealMat : public CVirtMat {

@@ -50,6 +50,9 @@ public:
     // Loading: makes nBytesNeeded bytes available beyond those still unread in the
     // buffer, or throws endOfFile.
     void FillBuffer(UINT nBytesNeeded);
+    // Loading: bytes read ahead from the file and not yet handed out, so that a reader
+    // knows where the file stands behind what it took.
+    UINT GetReadAhead() const { return (UINT)(m_pBufMax - m_pBufCur); }
 
     // Loading: throws endOfFile unless nCount items of nItemSize bytes can still be read
     // (what is buffered plus what the file has left), so that a loader never allocates
