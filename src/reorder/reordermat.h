@@ -104,6 +104,28 @@ public:
     // Named in the interface without an algorithm: does nothing.
     void GenRevCuthillMcKee();
 
+    // Numberings beside the described ones. Each runs like MinDegReorder2 (own script,
+    // then the report "Used time reordering: ..." once the script is closed) and leaves a
+    // permutation in m_pLabels, one component after the other in the order of their lowest
+    // vertex. ReverseCuthillMcKee and SloanReorder cut bandwidth and profile and end their
+    // script with the short trailer; AMDReorder cuts fill and ends it with the minimum-degree
+    // trailer.
+    // - ReverseCuthillMcKee: per component from George and Liu's pseudo-peripheral vertex,
+    //   breadth first with the new neighbours of a vertex by increasing degree (ties in row
+    //   order), the component's sequence reversed in place.
+    // - SloanReorder: Sloan's priority nW2 * (distance to the end vertex) - nW1 * (current
+    //   degree + 1), his 1989 weights; same start vertex as ReverseCuthillMcKee, the end
+    //   vertex being the one George and Liu's search tried last. Ties go to the lower
+    //   vertex. Weights are taken as non-negative.
+    // - AMDReorder: SuiteSparse's approximate minimum degree with its default controls;
+    //   present only when the library is built with it, which a host tests with
+    //   #ifdef FEMMAT_HAS_AMD. Should AMD fail (memory), the labels stay as they were.
+    void ReverseCuthillMcKee();
+    void SloanReorder(int nW1 = 2, int nW2 = 1);
+#ifdef FEMMAT_HAS_AMD
+    void AMDReorder();
+#endif
+
     void InitTabu(LONG nValue);
     void Hager1();
     void Hager2();
@@ -131,4 +153,15 @@ protected:
     // Ends a minimum-degree run on its own script: stops the clock, writes "after" and the
     // trailer, closes the file, then shows the report.
     void EndScriptedRun(CFile &file, LONG nStart);
+
+    // The numberings beside the described ones without script or report: the timed part.
+    void NumberRCM();
+    void NumberSloan(int nW1, int nW2);
+#ifdef FEMMAT_HAS_AMD
+    bool NumberAMD();
+#endif
+    // Opens the script, writes "before" and reads the clock; false when it can't be opened.
+    bool BeginOwnScriptRun(CFile &file, LONG &nStart);
+    // Stops the clock, writes "after" and the trailer, closes, then shows the report.
+    void EndOwnScriptRun(CFile &file, LONG nStart, bool bMinDegTrailer);
 };
