@@ -1,8 +1,8 @@
-// CReorderMat: Sloan's profile reduction. Per component, from the start vertex of reverse
-// Cuthill-McKee, the next label goes to the vertex of highest priority among those next to
-// the numbered ones (preactive) and their neighbours (active); the priority rewards distance
-// from the end vertex, so numbering sweeps towards it, and penalises the vertices that
-// would add most to the front.
+// CReorderMat: Sloan's profile reduction. Per component, from one end of reverse
+// Cuthill-McKee's pair towards the other, the next label goes to the vertex of highest priority
+// among those next to the numbered ones (preactive) and their neighbours (active); the priority
+// rewards distance from the end vertex, so numbering sweeps towards it, and penalises the vertices
+// that would add most to the front.
 #include "reorder/levelwalk.h"
 #include "reorder/reordermat.h"
 

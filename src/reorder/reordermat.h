@@ -110,13 +110,15 @@ public:
     // vertex. ReverseCuthillMcKee and SloanReorder cut bandwidth and profile and end their
     // script with the short trailer; AMDReorder cuts fill and ends it with the minimum-degree
     // trailer.
-    // - ReverseCuthillMcKee: per component from George and Liu's pseudo-peripheral vertex,
-    //   breadth first with the new neighbours of a vertex by increasing degree (ties in row
-    //   order), the component's sequence reversed in place.
+    // - ReverseCuthillMcKee: per component, George and Liu's search from its lowest vertex
+    //   gives a pair: the pseudo-peripheral start and, as end, the root of the walk before
+    //   it. From the start breadth first with the new neighbours of a vertex by increasing degree
+    //   (ties in row order), the component's sequence reversed in place.
     // - SloanReorder: Sloan's priority nW2 * (distance to the end vertex) - nW1 * (current
-    //   degree + 1), his 1989 weights; same start vertex as ReverseCuthillMcKee, the end
-    //   vertex being the one George and Liu's search tried last. Ties go to the lower
-    //   vertex. Weights are taken as non-negative.
+    //   degree + 1), with the weights of his 1989 program (the current degree weighs
+    //   twice the distance). The start and end are RCM's pair; each component is numbered
+    //   from both ends and keeps the numbering of smaller profile (the first on a tie).
+    //   Equal priorities go to the lower vertex. Weights are taken as non-negative.
     // - AMDReorder: SuiteSparse's approximate minimum degree with its default controls;
     //   present only when the library is built with it, which a host tests with
     //   #ifdef FEMMAT_HAS_AMD. Should AMD fail (memory), the labels stay as they were.
