@@ -132,6 +132,30 @@ public:
     // Named in the interface without an algorithm: does nothing.
     void GenRevCuthillMcKee();
 
+    // Numberings beside the described ones. Each runs like MinDegReorder2 (own script,
+    // then the report "Used time reordering: ..." once the script is closed) and leaves a
+    // permutation in m_pLabels, one component after the other in the order of their lowest
+    // vertex. ReverseCuthillMcKee and SloanReorder cut bandwidth and profile and end their
+    // script with the short trailer; AMDReorder cuts fill and ends it with the minimum-degree
+    // trailer.
+    // - ReverseCuthillMcKee: per component, George and Liu's search from its lowest vertex
+    //   gives a pair: the pseudo-peripheral start and, as end, the root of the walk before
+    //   it. From the start breadth first with the new neighbours of a vertex by increasing degree
+    //   (ties in row order), the component's sequence reversed in place.
+    // - SloanReorder: Sloan's priority nW2 * (distance to the end vertex) - nW1 * (current
+    //   degree + 1), with the weights of his 1989 program (the current degree weighs
+    //   twice the distance). The start and end are RCM's pair; each component is numbered
+    //   from both ends and keeps the numbering of smaller profile (the first on a tie).
+    //   Equal priorities go to the lower vertex. Weights are taken as non-negative.
+    // - AMDReorder: SuiteSparse's approximate minimum degree with its default controls;
+    //   present only when the library is built with it, which a host tests with
+    //   #ifdef FEMMAT_HAS_AMD. Should AMD fail (memory), the labels stay as they were.
+    void ReverseCuthillMcKee();
+    void SloanReorder(int nW1 = 2, int nW2 = 1);
+#ifdef FEMMAT_HAS_AMD
+    void AMDReorder();
+#endif
+
     // Sets every tabu mark (m_pInverse) to nValue.
     void InitTabu(LONG nValue);
     // Numberings from the last label down; each shows a report and writes the script.
@@ -166,6 +190,17 @@ protected:
     // Ends a minimum-degree run on its own script: stops the clock, writes "after" and the
     // trailer, closes the file, then shows the report.
     void EndScriptedRun(CFile &file, LONG nStart);
+
+    // The numberings beside the described ones without script or report: the timed part.
+    void NumberRCM();
+    void NumberSloan(int nW1, int nW2);
+#ifdef FEMMAT_HAS_AMD
+    bool NumberAMD();
+#endif
+    // Opens the script, writes "before" and reads the clock; false when it can't be opened.
+    bool BeginOwnScriptRun(CFile &file, LONG &nStart);
+    // Stops the clock, writes "after" and the trailer, closes, then shows the report.
+    void EndOwnScriptRun(CFile &file, LONG nStart, bool bMinDegTrailer);
 
 private:
     // The common frame of the Hager numberings: script, measures before, clock, all
