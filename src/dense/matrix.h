@@ -169,6 +169,20 @@ public:
     CMatrix &operator-=(CMatrix &other);
     void AAT() {}
 
+    // --- chains of products ---
+    // Multiplies the nCount matrices behind nCount (CMatrix pointers) into the first and
+    // returns the seconds taken, the search for the bracketing included. Left to right
+    // changes only the first; bOptimal uses the cheapest bracketing, and the first matrix of
+    // every sub-chain it names takes that sub-chain's product.
+    static double ChainMult(bool bOptimal, int nCount, CMatrix *pFirst, ...);
+    // Fills the split table (sized n by n beforehand, zeros) for the dimensions pDims (n + 1
+    // entries) and returns the least number of scalar multiplications. Candidate costs are
+    // 32-bit integers; above that range they saturate (the caller must keep them below).
+    // No matrix (n of 0) costs 0.0.
+    static double MatrixChainOrder(CMatrix *pSplit, CVector *pDims);
+    // Carries out the bracketing of pSplit for matrices i to j, counted from 1.
+    static void ChainMultRec(CMatrix **ppChain, CMatrix *pSplit, int i, int j);
+
     // --- rotations ---
     // The 3 by 3 matrix built from two angles as the classic formula states it; a rotation
     // about the third axis when dAngle2 is 0, about the second when dAngle1 is 0, and not
