@@ -36,7 +36,8 @@
 //   plain rule has 0/0: its solution is 0 (or stays as reached) and it poisons no other
 //   column. A zero reference v_0 with a zero residual counts as meeting the test, so an
 //   all-zero B stops in the first iteration with zeros; with a start vector and a zero B
-//   only an exact zero residual meets it. A B without rows returns 0 at once, dNorm 0.0.
+//   only an exact zero residual meets it. A B without rows returns 0 at once, dNorm 0.0;
+//   a negative nMaxIter runs no iteration and yields 0, the iterations completed.
 // - ConjGradient: a row without a diagonal cell scales by 1.0, and a row without any cell
 //   adds nothing to the product (ConjGradient2 takes it as a row of the identity).
 #pragma once

@@ -13,3 +13,16 @@ TEST(AfxRand, ClassicSequence) {
 TEST(AfxClock, CountsMilliseconds) {
     EXPECT_NEAR(AfxClock(), clock() * 1000.0 / CLOCKS_PER_SEC, 20.0);
 }
+
+static time_t Epoch42() {
+    return 42;
+}
+
+// The seed's time can be fixed for a test and given back to the clock.
+TEST(AfxTime, SettableSource) {
+    AfxTimeSource pfnOld = AfxSetTimeSource(&Epoch42);
+    EXPECT_EQ(AfxTime(), 42);
+    EXPECT_EQ(AfxSetTimeSource(NULL), &Epoch42);
+    EXPECT_NEAR((double)AfxTime(), (double)time(NULL), 2.0);
+    AfxSetTimeSource(pfnOld);
+}

@@ -185,34 +185,6 @@ TEST(Hager, MeshGraphsGivePermutationsAndInverses) {
     EXPECT_NE(labels[2], labels[3]);
 }
 
-// Counts the weights asked for: Hager3 asks for far fewer than Hager2.
-class CountedWeights : public HagerGraph {
-public:
-    long m_nCalls = 0;
-    float WFun(int x) override {
-        m_nCalls++;
-        return CReorderMat::WFun(x);
-    }
-};
-
-TEST(Hager, ScoresGoThroughTheTable) {
-    ScriptDir dir;
-    ReportRecorder reports;
-    ElementList quads;
-    for (LONG r = 0; r < 10; r++)
-        for (LONG c = 0; c < 10; c++) {
-            LONG a = r * 11 + c;
-            quads.push_back({a, a + 1, a + 12, a + 11});
-        }
-    CountedWeights g2, g3;
-    BuildGraph(g2, 121, quads);
-    BuildGraph(g3, 121, quads);
-    g2.Hager2();
-    g3.Hager3();
-    EXPECT_GT(g3.m_nCalls, 121);
-    EXPECT_GT(g2.m_nCalls, 10 * g3.m_nCalls);
-}
-
 // Hager1 and Hager3 as plain passes over Z for every label, with the library's weights and
 // counts: the heaps of the library have to give the same labels.
 class ScanHager : public HagerGraph {
