@@ -33,6 +33,11 @@ static const Numbering s_numberings[] = {
     {"Hager1", [](CReorderMat &g) { g.Hager1(); }},
     {"Hager2", [](CReorderMat &g) { g.Hager2(); }},
     {"Hager3", [](CReorderMat &g) { g.Hager3(); }},
+    {"ReverseCuthillMcKee", [](CReorderMat &g) { g.ReverseCuthillMcKee(); }},
+    {"SloanReorder", [](CReorderMat &g) { g.SloanReorder(); }},
+#ifdef FEMMAT_HAS_AMD
+    {"AMDReorder", [](CReorderMat &g) { g.AMDReorder(); }},
+#endif
 };
 
 // The searches that improve a numbering; each starts with its tabu marks cleared.

@@ -192,8 +192,8 @@ public:
     static void RotMat2D(CMatrix &R, double dAngle, bool bTransposed);
 
     // --- test matrices; each sizes itself through the table and reports nothing ---
-    // Random values from dMin to dMax (upper limit first), seeded from the time on every
-    // call: nForm 0 full, 1 lower with diagonal, 2 upper with diagonal, -1 strict lower,
+    // Random values from dMin to dMax (upper limit first), seeded from AfxTime() on every
+    // call (a host or test fixes it with AfxSetTimeSource): nForm 0 full, 1 lower with diagonal, 2 upper with diagonal, -1 strict lower,
     // -2 strict upper (zeros elsewhere); other forms change nothing.
     void RandMat(int nRows, int nCols, double dMax, double dMin, int nForm);
     // Lower (upper) pattern: dFill below (above) the diagonal, dDiag on it, zeros on the

@@ -4,8 +4,6 @@
 #include "dense/matrix.h"
 #include "platform/afx.h"
 
-#include <ctime>
-
 // 1/32767: AfxRand() times this spans [0, 1] with both ends.
 static const double s_dRandScale = 3.051850947599719e-05;
 
@@ -15,7 +13,7 @@ static int RandIndex(int nRange) {
 }
 
 void CMatrix::RandMat(int nRows, int nCols, double dMax, double dMin, int nForm) {
-    AfxSrand((unsigned)time(NULL));
+    AfxSrand((unsigned)AfxTime());
     double dScale = (dMax - dMin) * s_dRandScale;
     if (nForm == 0) {
         Allocate(nRows, nCols, false, 0.0);
