@@ -38,6 +38,7 @@ CQuotientMinDeg::CQuotientMinDeg(const CReorderMat &g) : m_n(g.m_nRows) {
     for (int i = 0; i < m_n; i++)
         m_deg[i] = (int)m_A[i].size();
     m_E.resize(m_n);
+    m_single.resize(m_n);
     m_L.resize(m_n);
     m_absorbedBy.assign(m_n, -1);
     m_ufParent.resize(m_n);
@@ -122,15 +123,16 @@ void CQuotientMinDeg::MarkDirty(int u) {
     }
 }
 
-// Removes x from the small list a (it stands there at most once).
-static void RemoveFrom(std::vector<int> &a, int x) {
+// Removes x from the list a (it stands there at most once); false if it wasn't there.
+static bool RemoveFrom(std::vector<int> &a, int x) {
     for (size_t j = 0; j < a.size(); j++) {
         if (a[j] == x) {
             a[j] = a.back();
             a.pop_back();
-            return;
+            return true;
         }
     }
+    return false;
 }
 
 int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
@@ -140,12 +142,17 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
     std::vector<int> &Ev = m_E[v];
 
     // The elements v touches merge into v's; their union-find sets join at time nLabel.
+    // Elements whose boundary was v alone merge as well, though they lie on no list.
     int nRoot = v;
     int nBig = -1;
     for (int e : Ev) {
         m_absorbedBy[e] = v;
         if (nBig < 0 || m_L[e].size() > m_L[nBig].size())
             nBig = e;
+    }
+    Ev.insert(Ev.end(), m_single[v].begin(), m_single[v].end());
+    std::vector<int>().swap(m_single[v]);
+    for (int e : Ev) {
         int r = Find(e);
         if (r == nRoot)
             continue;
@@ -195,10 +202,18 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
     std::vector<int>().swap(m_A[v]);
     std::vector<int>().swap(Ev);
 
-    // Pairs that now share v's element are no longer uncovered neighbours.
+    // Pairs that now share v's element are no longer uncovered neighbours. From the
+    // shorter side, so that a vertex of many neighbours (a star's centre) stays cheap.
     for (size_t j = nFirstNew; j < Lv.size(); j++) {
         int x = Lv[j];
         std::vector<int> &Ax = m_A[x];
+        if (Ax.size() > Lv.size()) {
+            for (int u : Lv) {
+                if (u != x && RemoveFrom(m_A[u], x))
+                    RemoveFrom(Ax, u);
+            }
+            continue;
+        }
         for (size_t q = 0; q < Ax.size();) {
             int u = Ax[q];
             if (m_inL[u] == nStamp) {
@@ -228,7 +243,12 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
             m_w[e]--;
         }
         Eu.resize(m);
-        Eu.push_back(v);
+        // An element of one vertex adds nothing to its degree: it waits beside the lists
+        // for its union-find merge, so that a vertex with many of them stays cheap.
+        if (Lv.size() > 1)
+            Eu.push_back(v);
+        else
+            m_single[u].push_back(v);
     }
 
     // Exact degrees: v's boundary, the uncovered neighbours (disjoint from every element
@@ -240,12 +260,13 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
     m_ties.clear();
     for (int u : Lv) {
         const std::vector<int> &Eu = m_E[u];
+        size_t nOthers = Eu.size() - (nBase > 0 ? 1 : 0);
         int d = nBase + (int)m_A[u].size();
-        if (Eu.size() == 2) {
+        if (nOthers == 1) {
             d += m_w[Eu[0]];
-        } else if (Eu.size() > 2) {
+        } else if (nOthers > 1) {
             int nSeen = ++m_nStampSeen;
-            for (size_t j = 0; j + 1 < Eu.size(); j++) {
+            for (size_t j = 0; j < nOthers; j++) {
                 for (int x : m_L[Eu[j]]) {
                     if (m_inL[x] != nStamp && m_seen[x] != nSeen) {
                         m_seen[x] = nSeen;

@@ -25,13 +25,14 @@ private:
     void MarkDirty(int u);
 
     int m_n;
-    std::vector<int> m_rowStart, m_rowAdj; // original rows
-    std::vector<int> m_label;              // -1 while live
-    std::vector<int> m_elimOrder;          // vertex of each label
-    std::vector<int> m_deg;                // degree in the elimination graph
-    std::vector<std::vector<int>> m_A;     // original neighbours no shared element covers
-    std::vector<std::vector<int>> m_E;     // elements a live vertex lies on
-    std::vector<std::vector<int>> m_L;     // boundary of a live element
+    std::vector<int> m_rowStart, m_rowAdj;  // original rows
+    std::vector<int> m_label;               // -1 while live
+    std::vector<int> m_elimOrder;           // vertex of each label
+    std::vector<int> m_deg;                 // degree in the elimination graph
+    std::vector<std::vector<int>> m_A;      // original neighbours no shared element covers
+    std::vector<std::vector<int>> m_E;      // elements a live vertex lies on
+    std::vector<std::vector<int>> m_L;      // boundary of a live element
+    std::vector<std::vector<int>> m_single; // elements whose boundary is the vertex alone
     std::vector<int> m_absorbedBy;
     // Union-find of eliminated vertices without path compression; a link keeps the label
     // at which its two sets met.
