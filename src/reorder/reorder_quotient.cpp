@@ -35,6 +35,7 @@ CQuotientMinDeg::CQuotientMinDeg(const CReorderMat &g) : m_n(g.m_nRows) {
     m_label.assign(m_n, -1);
     m_elimOrder.assign(m_n, -1);
     m_deg.resize(m_n);
+    m_nGone.assign(m_n, 0);
     for (int i = 0; i < m_n; i++)
         m_deg[i] = (int)m_A[i].size();
     m_E.resize(m_n);
@@ -192,8 +193,20 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
         std::vector<int>().swap(m_L[e]);
     }
     for (int x : m_A[v]) {
-        // v is gone from the uncovered neighbours of its own.
-        RemoveFrom(m_A[x], v);
+        if (m_label[x] >= 0)
+            continue;
+        // v stays in x's list, counted as gone: a search for it there would cost a
+        // star's centre its whole list per leaf. The list sheds such entries at half.
+        std::vector<int> &Ax = m_A[x];
+        if (2 * ++m_nGone[x] > (int)Ax.size()) {
+            size_t m = 0;
+            for (int u : Ax) {
+                if (m_label[u] < 0)
+                    Ax[m++] = u;
+            }
+            Ax.resize(m);
+            m_nGone[x] = 0;
+        }
         if (m_inL[x] != nStamp) {
             m_inL[x] = nStamp;
             Lv.push_back(x);
@@ -216,7 +229,7 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
         }
         for (size_t q = 0; q < Ax.size();) {
             int u = Ax[q];
-            if (m_inL[u] == nStamp) {
+            if (m_label[u] < 0 && m_inL[u] == nStamp) {
                 Ax[q] = Ax.back();
                 Ax.pop_back();
                 RemoveFrom(m_A[u], x);
@@ -226,8 +239,30 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
         }
     }
 
-    // Each boundary vertex trades the absorbed elements for v's; every other element it
-    // touches keeps only what lies outside v's boundary (AMD's |Le \ Lv|).
+    // Exact degrees: v's boundary, the uncovered neighbours (disjoint from every element
+    // of u), and the other elements' parts outside v's boundary (AMD's |Le \ Lv|), which
+    // only overlap when there are two or more of them.
+    int nBase = (int)Lv.size() - 1;
+    int nBest = t;
+    int nNext = -1;
+    m_ties.clear();
+    auto SetDegree = [&](int u, int d) {
+        m_deg[u] = d;
+        MarkDirty(u);
+        if (d < nBest) {
+            nBest = d;
+            nNext = u;
+            m_ties.clear();
+            m_ties.push_back(u);
+        } else if (d == nBest && nNext >= 0) {
+            m_ties.push_back(u);
+        }
+    };
+
+    // Each boundary vertex trades the absorbed elements for v's. Most have no other
+    // element and take their degree at once; the others wait until every other
+    // element's part outside v's boundary is counted.
+    m_others.clear();
     for (int u : Lv) {
         std::vector<int> &Eu = m_E[u];
         size_t m = 0;
@@ -245,26 +280,22 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
         Eu.resize(m);
         // An element of one vertex adds nothing to its degree: it waits beside the lists
         // for its union-find merge, so that a vertex with many of them stays cheap.
-        if (Lv.size() > 1)
+        if (nBase > 0)
             Eu.push_back(v);
         else
             m_single[u].push_back(v);
+        if (m == 0)
+            SetDegree(u, nBase + (int)m_A[u].size() - m_nGone[u]);
+        else
+            m_others.push_back(u);
     }
-
-    // Exact degrees: v's boundary, the uncovered neighbours (disjoint from every element
-    // of u), and the other elements' parts outside v's boundary, which only overlap when
-    // there are two or more of them.
-    int nBase = (int)Lv.size() - 1;
-    int nBest = t;
-    int nNext = -1;
-    m_ties.clear();
-    for (int u : Lv) {
+    for (int u : m_others) {
         const std::vector<int> &Eu = m_E[u];
         size_t nOthers = Eu.size() - (nBase > 0 ? 1 : 0);
-        int d = nBase + (int)m_A[u].size();
+        int d = nBase + (int)m_A[u].size() - m_nGone[u];
         if (nOthers == 1) {
             d += m_w[Eu[0]];
-        } else if (nOthers > 1) {
+        } else {
             int nSeen = ++m_nStampSeen;
             for (size_t j = 0; j < nOthers; j++) {
                 for (int x : m_L[Eu[j]]) {
@@ -275,16 +306,7 @@ int CQuotientMinDeg::Eliminate(int v, int nLabel, int t) {
                 }
             }
         }
-        m_deg[u] = d;
-        MarkDirty(u);
-        if (d < nBest) {
-            nBest = d;
-            nNext = u;
-            m_ties.clear();
-            m_ties.push_back(u);
-        } else if (d == nBest && nNext >= 0) {
-            m_ties.push_back(u);
-        }
+        SetDegree(u, d);
     }
     m_L[v].swap(Lv);
     if (m_ties.size() > 1)

@@ -30,6 +30,7 @@ private:
     std::vector<int> m_elimOrder;           // vertex of each label
     std::vector<int> m_deg;                 // degree in the elimination graph
     std::vector<std::vector<int>> m_A;      // original neighbours no shared element covers
+    std::vector<int> m_nGone;               // entries of m_A eliminated but not yet shed
     std::vector<std::vector<int>> m_E;      // elements a live vertex lies on
     std::vector<std::vector<int>> m_L;      // boundary of a live element
     std::vector<std::vector<int>> m_single; // elements whose boundary is the vertex alone
@@ -40,6 +41,7 @@ private:
     std::vector<int> m_inL, m_seen, m_wStamp, m_w, m_ancStamp, m_ancBest;
     int m_nStampL = 0, m_nStampSeen = 0, m_nStampAnc = 0;
     std::vector<int> m_ties;
+    std::vector<int> m_others; // boundary vertices on other elements too
     // Tree of degree minima, refreshed lazily from the dirty list.
     int m_nLeaves = 1;
     std::vector<int> m_tree;
