@@ -1,10 +1,28 @@
-// CReorderMat: minimum degree with true elimination (MinDegReorder4), on a working copy of
-// the adjacency. An unnumbered vertex holds -1 - its label at entry in m_pLabels, a
-// numbered one its label.
-#include "reorder/reordermat.h"
+// CReorderMat: minimum degree with true elimination (MinDegReorder4). A plain CReorderMat
+// runs it in quotient-graph form (reorder_quotient.cpp); the row-by-row walk here, on a
+// working copy of the adjacency, serves derived classes, whose unions, f_v and Copy must be
+// reached through the table, and labels at entry that are negative. An unnumbered vertex
+// holds -1 - its label at entry in m_pLabels, a numbered one its label.
+#include "reorder/reorder_quotient.h"
+
+#include <typeinfo>
 
 void CReorderMat::MinDegReorder4() {
     int n = m_nRows;
+    bool bWalk = typeid(*this) != typeid(CReorderMat);
+    for (int v = 0; v < n && !bWalk; v++)
+        bWalk = m_pLabels[v] < 0;
+    if (!bWalk) {
+        CFile file;
+        if (!OpenScript(file))
+            return;
+        MatlabWrite(&file, "before");
+        LONG nStart = AfxClock();
+        CQuotientMinDeg(*this).Run(m_pLabels);
+        EndScriptedRun(file, nStart);
+        return;
+    }
+
     // The eliminations destroy the rows: keep an exact copy to restore them from.
     CArrayArray<LONG> saved;
     saved.Alloc(n);
@@ -19,6 +37,17 @@ void CReorderMat::MinDegReorder4() {
     if (!OpenScript(file))
         return;
     MatlabWrite(&file, "before");
+    // A vertex is no neighbour of itself (Copy puts the rows back as they were): an
+    // element listing a degree of freedom twice leaves it in its own row, where it would
+    // count towards its degree, could keep it from ever being chosen, and so from a label.
+    for (int i = 0; i < n; i++) {
+        int m = 0;
+        for (int j = 0; j < m_pRowSizes[i]; j++) {
+            if (m_ppRows[i][j] != i)
+                m_ppRows[i][m++] = m_ppRows[i][j];
+        }
+        m_pRowSizes[i] = m;
+    }
     LONG nStart = AfxClock();
 
     for (int v = 0; v < n; v++)
@@ -42,7 +71,7 @@ void CReorderMat::MinDegReorder4() {
             }
         }
         if (nChoice < 0)
-            break; // only a vertex listed as its own neighbour can get here
+            break; // only labels negative at entry can get here
         SetLabels(nChoice, k, nGap);
         k++;
     }

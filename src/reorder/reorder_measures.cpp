@@ -38,7 +38,23 @@ void CReorderMat::WriteScriptTrailer(CFile *pFile, bool bMinDeg) {
 }
 
 int CReorderMat::Env(int *pBandwidth) {
-    int nEnv = 0;
+    // Summed modulo 2^32, so that an envelope past the int range wraps as a 32-bit sum
+    // does instead of overflowing; Env64 has the true value.
+    unsigned nEnv = 0;
+    int nBand = 0;
+    for (int v = 0; v < m_nRows; v++) {
+        int b = B_f(v);
+        nEnv += (unsigned)b;
+        if (b > nBand)
+            nBand = b;
+    }
+    if (pBandwidth != NULL)
+        *pBandwidth = nBand;
+    return (int)nEnv;
+}
+
+long long CReorderMat::Env64(int *pBandwidth) {
+    long long nEnv = 0;
     int nBand = 0;
     for (int v = 0; v < m_nRows; v++) {
         int b = B_f(v);

@@ -26,8 +26,16 @@
 //   moment of the union) so that the union is linear; counts are whole again on return.
 // - MatlabWrite gathers its lines into blocks of some 64 KB before writing; the bytes are
 //   those of one write per line.
-// - MinDegReorder4 stops numbering if no unnumbered vertex has a degree below n, which
-//   only a vertex listed as its own neighbour can bring about.
+// - MinDegReorder4 on a plain CReorderMat works on a quotient graph (eliminated vertices
+//   become elements) and leaves the rows untouched, spare capacity included; its labels
+//   are those of the row-by-row walk with UnionAdj_Ex_p_i, at a cost near the size of the
+//   factor. A derived class, whose UnionAdj_Ex_p_i, f_v or Copy may differ, and labels
+//   negative at entry get the walk itself, through the table.
+// - A vertex listed in its own row (an element giving a degree of freedom twice) is no
+//   neighbour of itself to MinDegReorder4, so that it still gets a label; the graph keeps
+//   the entry for Check to find. The other numberings count it in the vertex's degree,
+//   as described, and still give a permutation.
+// - Env sums modulo 2^32 and yields that as an int, as described; Env64 is exact.
 // - TabuReorder seeds its generator with AfxSrand(AfxTime()), so a test fixes its run with
 //   AfxSetTimeSource. Its random start (rand() * m_nRows - 1) / 32767 is computed in 64
 //   bits: the same vertex as the 32-bit product up to 65538 vertices, where that product
@@ -85,7 +93,8 @@ public:
     virtual int UnionAdj_Ex_p_i(int i, int p);
     // Writes the pattern as a dense table in label order, for small graphs.
     virtual void WritePlotASCII(CFile *pFile);
-    // Yields the envelope (sum of B_f); stores the bandwidth in *pBandwidth if given.
+    // Yields the envelope (sum of B_f) modulo 2^32; stores the bandwidth in *pBandwidth if
+    // given. Env64 is the exact sum.
     virtual int Env(int *pBandwidth);
     // The neighbour of v to swap with: the candidate nearest the middle of v's higher
     // neighbours, first in the row on ties; v itself if none is nearer than v.
@@ -118,6 +127,11 @@ protected:
     virtual int B_f(int v);
 
 public:
+    // The envelope as a 64-bit sum, with the bandwidth in *pBandwidth if given: the measure
+    // to rely on. Env keeps its int, which wraps modulo 2^32 once the envelope passes
+    // 2^31 - 1 (a 1e5-vertex plate can get there). B_f is reached through the table, as
+    // in Env.
+    long long Env64(int *pBandwidth);
     // Sets every label to nLabel.
     void InitLabels(int nLabel);
     // Writes one sparse matrix of the diagnostic script, positions by label.
