@@ -28,8 +28,8 @@ TEST(Generators, RandMatFormsAndRanges) {
     // The seed is the time: a fixed time gives fixed values.
     AfxTimeSource pfnOld = AfxSetTimeSource([]() -> time_t { return 12345; });
     M.RandMat(2, 2, 1.0, 0.0, 0);
-    EXPECT_EQ(Flat(M), V({0.2314523758659627, 0.5848567155980102, 0.7872249519333476,
-                          0.6752220221564379}));
+    EXPECT_EQ(Flat(M),
+              V({0.2314523758659627, 0.5848567155980102, 0.7872249519333476, 0.6752220221564379}));
     M.RandMat(3, 3, 2.0, -1.0, 1);
     EXPECT_EQ(Flat(M), V({-0.30564287240211185, 0, 0, 0.7545701467940307, 1.3616748558000427, 0,
                           1.0256660664693138, -0.46641438032166505, 1.1428571428571428}));

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <iostream>
 #include <sstream>
 #include <string>
@@ -150,4 +151,41 @@ TEST(DenseWriter, ConsoleDumps) {
     CMatrix M = Rows2x3();
     EXPECT_EQ(Printed([&] { M.COUT(";"); }), "1;-2.5;0;\n3.25;0.5;100;\n");
     EXPECT_EQ(Printed([&] { M.Stream(); }), "1\t-2.5\t0\t\n3.25\t0.5\t100\t\n");
+}
+
+// What the writers write, the plain readers read back, to the written digits.
+TEST(TextRoundTrip, WritersAndReadersAgree) {
+    CMatrix M = Rows2x3();
+    M.SetValue(1, 2, -1.0 / 3.0);
+    CMemFile mf;
+    M.WriteASCII(&mf, "", " ", 22, 15, 1, false, false);
+    mf.SeekToBegin();
+    CMatrix back;
+    back.ReadASCII(&mf);
+    ASSERT_EQ(back.m_nRows, 2);
+    ASSERT_EQ(back.GetColumns(), 3);
+    for (int k = 0; k < 6; k++)
+        EXPECT_NEAR(back.m_pVector[k], M.m_pVector[k], 1e-15);
+    // the reader stops on the closing empty line
+    EXPECT_EQ(mf.GetPosition(), mf.GetLength() - 2);
+
+    CVector v(3, true, 0.0);
+    v[0] = 2.5, v[1] = -1e-7, v[2] = 12345.678;
+    CMemFile vf;
+    v.WriteASCII(&vf, "", "\t", 0, 10, 1, false, false);
+    vf.SeekToBegin();
+    CVector vBack;
+    vBack.ReadASCII(&vf);
+    ASSERT_EQ(vBack.m_nSize, 3);
+    for (int i = 0; i < 3; i++)
+        EXPECT_NEAR(vBack[i], v[i], 1e-10 * std::fabs(v[i]));
+
+    // the dense listing: zeros make no cell, the closing line is an empty row
+    Lists A("0:0=1.5,2=2;2:1=3;3:3=-0.25");
+    CMemFile sf;
+    A.WriteASCII(&sf, "", " ", 12, 4, 1, false, false);
+    sf.SeekToBegin();
+    CSparseMatrix sBack;
+    sBack.ReadASCII(&sf);
+    EXPECT_EQ(Dump(sBack), "0:0=1.5,2=2;2:1=3;3:3=-0.25");
 }
