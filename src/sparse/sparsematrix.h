@@ -176,4 +176,5 @@ public:
 private:
     row *FindOrMakeRow(int nRow, row *pStart);
     void UnifyRow(int nRow, double dValue, CVirtMat *pB);
+    bool RowsAreNumberedByPosition();
 };

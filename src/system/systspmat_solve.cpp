@@ -1,32 +1,11 @@
-// CSystSpMat: the factorisations through the row table, and the Gauss-Seidel iteration.
+// CSystSpMat: LU through the row table, and the Gauss-Seidel iteration (Cholesky has its
+// own file).
 #include "system/systspmat.h"
 
 #include "dense/vector.h"
 
 #include <cmath>
 #include <cstdio>
-
-// Root-free A = U^T D U in place: the first cell of each row ends as the pivot, the others
-// as the unit upper factor; fill-in is merged into the target rows by row::AddRow.
-int CSystSpMat::Cholesky() {
-    for (int i = 0; i < m_nTableRows; i++) {
-        cell *c = m_pRowTable[i].m_pFirstCell;
-        if (c == NULL)
-            return -1;
-        double d = c->m_dValue;
-        if (d <= 0.0)
-            return -1;
-        for (cell *a = c->m_pNext; a != NULL; a = a->m_pNext) {
-            double f = -a->m_dValue;
-            if (f == 0.0)
-                continue;
-            // The chain from a is still unscaled here; a is scaled only afterwards.
-            m_pRowTable[a->m_nCol].AddRow(a, f / d);
-            a->m_dValue /= d;
-        }
-    }
-    return 1;
-}
 
 // A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
 // diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
