@@ -12,6 +12,7 @@ using namespace sparse_detail;
 // A = U^T D U in place on the upper triangle: pivots d_i first in each row, u_ij behind.
 // Yields 1, or -1 at the first missing row, misplaced diagonal or pivot not above 0.0.
 int CSparseMatrix::Cholesky() {
+    sparse_detail::CellScope cells(m_pCellPool);
     int i = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, i++) {
         // the pivot
@@ -50,6 +51,7 @@ int CSparseMatrix::Cholesky() {
 // A = L U in place, unit diagonal of L implied, no pivoting. Yields 1, or -1 at the first
 // missing row, row not standing on its diagonal, or pivot of exactly 0.0.
 int CSparseMatrix::LU() {
+    sparse_detail::CellScope cells(m_pCellPool);
     int n = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
         n++;

@@ -182,6 +182,7 @@ void CSparseMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
 // Drops what lies below the diagonal, then puts dFactor * (i, j) at (j, i) for every cell
 // right of the diagonal. Yields its own running time in seconds.
 double CSparseMatrix::Mirror(double dFactor) {
+    sparse_detail::CellScope cells(m_pCellPool);
     LONG nStart = AfxClock();
 
     // cut each row to its upper part; rows left empty go

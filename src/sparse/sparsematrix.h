@@ -31,11 +31,21 @@
 // - UnifyAndZero(nRow) with nRow in front of the first row makes row nRow the new head.
 // - Allocate with a negative row count empties the matrix, as a count of 0 does.
 // - AddValues expects distinct indices; a repeat sums the entry found last once more.
+//
+// Memory. A cell is its three described fields, 24 bytes with the alignment of its
+// pointer and double, and it costs exactly that: cells come from slabs of 256 KiB that the
+// matrix owns (fill-in included), not from one allocation each. 16 bytes would need a
+// 32-bit link in place of the described pointer m_pNext, which the list walks, the
+// cursors and the callers' own loops all read as a cell *; so 24 it stays. A cell that a
+// caller unlinks is still freed with delete, and stays valid after its matrix is gone.
 #pragma once
 
 #include "frame/virtmat.h"
 
 class CVector;
+namespace sparse_detail {
+class CellPool;
+}
 
 class CSparseMatrix : public CVirtRealMat {
     DECLARE_SERIAL(CSparseMatrix)
@@ -53,6 +63,11 @@ public:
         cell *Remove(int nCol);
         // Divides this cell and every cell behind it by d.
         void DivideAll(double d);
+
+        // Cells come from the slabs of their matrix's pool (see the note above); a plain
+        // new and delete still make and free one anywhere.
+        static void *operator new(size_t nSize);
+        static void operator delete(void *p, size_t nSize);
     };
 
     // One row: owns its cells. The default constructor sets no field; copies are
@@ -172,6 +187,10 @@ public:
     LONG m_nRows;    // row count of the last Allocate
     LONG m_nColumns; // column count of the last Allocate
     row *m_pFirstRow;
+
+protected:
+    // The slabs this matrix's cells come from; made on first use, released with the matrix.
+    sparse_detail::CellPool *m_pCellPool;
 
 private:
     row *FindOrMakeRow(int nRow, row *pStart);

@@ -1,6 +1,7 @@
 // CSystSpMat: prescribed values. A prescribed row becomes a row of the identity, its
 // column leaves the other rows, and what that column contributed moves to the right-hand
 // sides (a CMatrix, one column each).
+#include "sparse/sparse_internal.h"
 #include "system/systspmat.h"
 
 #include "dense/matrix.h"
@@ -98,6 +99,7 @@ static void TakeColumnsOut(CSparseMatrix::row &R, const PrescribedByNumber &byNu
 // Full storage: first every row gives up the prescribed columns into pB, then the
 // prescribed rows become rows of the identity with the prescribed values in pB.
 void CSystSpMat::UnifyAndZero2(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
+    sparse_detail::CellScope cells(m_pCellPool);
     CMatrix &B = *static_cast<CMatrix *>(pB);
     const int m = vDOFs.GetSize();
     const int nCols = B.GetColumns();
@@ -122,6 +124,7 @@ void CSystSpMat::UnifyAndZero2(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
 // first (their cells right of the diagonal go without correction), then the other rows
 // give up the prescribed columns into pB.
 void CSystSpMat::SymUnifyAndZero(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
+    sparse_detail::CellScope cells(m_pCellPool);
     CMatrix &B = *static_cast<CMatrix *>(pB);
     const int m = vDOFs.GetSize();
     const int nCols = B.GetColumns();

@@ -99,28 +99,34 @@ private:
         std::sort(m_rows.begin(), m_rows.end());
 
         m_new.clear();
+        // Plain pointers for the hot loop: the stores into the work row cannot alias them.
+        double *pWork = m_pWork.data();
+        int *pMark = m_pMark.data();
+        const int *pCol = m_col.data();
+        const double *pVal = m_val.data();
         for (int i : m_rows) {
             int p = m_pPos[i];
-            double a = m_val[p];
+            const int nEnd = m_pEnd[i];
+            double a = pVal[p];
             if (a != 0.0) {
                 double dFactor = -a / m_pD[i];
-                for (int q = p; q < m_pEnd[i]; q++) {
-                    int k = m_col[q];
-                    double x = dFactor * m_val[q];
-                    if (m_pMark[k] == j) {
-                        m_pWork[k] += x;
+                for (int q = p; q < nEnd; q++) {
+                    int k = pCol[q];
+                    double x = dFactor * pVal[q];
+                    if (pMark[k] == j) {
+                        pWork[k] += x;
                     } else {
                         // A new cell takes its first update as it stands.
-                        m_pMark[k] = j;
-                        m_pWork[k] = x;
+                        pMark[k] = j;
+                        pWork[k] = x;
                         m_new.push_back(k);
                     }
                 }
             }
             // Row i now waits on its next column, if any.
             m_pPos[i] = ++p;
-            if (p < m_pEnd[i])
-                Wait(i, m_col[p]);
+            if (p < nEnd)
+                Wait(i, pCol[p]);
         }
 
         // New cells into their sorted places, then every value back from the work row.
@@ -178,6 +184,7 @@ private:
 // Root-free A = U^T D U in place: the first cell of each row ends as the pivot, the others
 // as the unit upper factor; fill-in is linked into the target rows.
 int CSystSpMat::Cholesky() {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (!IsUpperTable(m_pRowTable, m_nTableRows))
         return CholeskyByRowMerges(m_pRowTable, m_nTableRows);
     UpLooking factor(m_pRowTable, m_nTableRows);

@@ -1,5 +1,6 @@
 // CSystSpMat: LU through the row table, and the Gauss-Seidel iteration (Cholesky has its
 // own file).
+#include "sparse/sparse_internal.h"
 #include "system/systspmat.h"
 
 #include "dense/vector.h"
@@ -10,6 +11,7 @@
 // A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
 // diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
 int CSystSpMat::LU() {
+    sparse_detail::CellScope cells(m_pCellPool);
     // Entry t stands on the first cell of row t that elimination has not passed yet; its
     // column is mirrored in a flat array, so the look at every later row per pivot reads
     // contiguous memory. The table rows are the list rows, in the same order.
