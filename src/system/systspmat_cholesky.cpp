@@ -15,6 +15,7 @@
 #include "system/systspmat.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -56,42 +57,47 @@ bool IsUpperTable(row *pTable, int n) {
 class UpLooking {
 public:
     UpLooking(row *pTable, int n)
-        : m_pTable(pTable), m_n(n), m_pD(n), m_pStart(n + 1, 0), m_pEnd(n, 0), m_pPos(n),
-          m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pWork(n), m_pMark(n, -1) {
-        // The factor holds at least the pattern; fill-in mostly doubles it or more.
-        size_t nCells = 0;
-        for (int r = 0; r < n; r++)
-            for (cell *c = pTable[r].m_pFirstCell; c != NULL; c = c->m_pNext)
-                nCells++;
-        m_col.reserve(4 * nCells);
-        m_val.reserve(4 * nCells);
-    }
+        : m_pTable(pTable), m_n(n), m_pD(n), m_pColOf(n), m_pValOf(n), m_pPos(n), m_pEnd(n),
+          m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pSlot(n, Slot{0.0, -1}),
+          m_nBlock(std::max(n, 1 << 18)) {}
 
     int Factorise() {
         for (int j = 0; j < m_n; j++) {
             Gather(j);
-            cell *pPivot = m_pTable[j].m_pFirstCell;
-            if (pPivot == NULL || pPivot->m_dValue <= 0.0) {
+            // The pivot is the first cell the row will have, old or new.
+            cell *pFirst = m_pTable[j].m_pFirstCell;
+            int nFirst = pFirst != NULL ? pFirst->m_nCol : m_n;
+            if (!m_new.empty() && m_new[0] < nFirst)
+                nFirst = m_new[0];
+            if (nFirst == m_n || m_pSlot[nFirst].dWork <= 0.0) {
                 // As the merging form leaves it: the later rows hold every update of the
                 // rows finished so far, and nothing more.
+                Store(j, false);
                 for (int t = j + 1; t < m_n; t++)
-                    if (m_pBucket[t] >= 0)
+                    if (m_pBucket[t] >= 0) {
                         Gather(t);
+                        Store(t, false);
+                    }
                 return -1;
             }
-            Finish(j, pPivot);
+            Store(j, true);
         }
         return 1;
     }
 
 private:
-    // Row j receives, in ascending i, the chains of the finished rows waiting on column j.
+    // The work row: an entry's value and the row it belongs to, side by side.
+    struct Slot {
+        double dWork;
+        int nMark;
+    };
+
+    // Row j receives, in ascending i, the chains of the finished rows waiting on column j;
+    // m_new lists, sorted, the columns that had no cell.
     void Gather(int j) {
-        row &R = m_pTable[j];
-        for (cell *c = R.m_pFirstCell; c != NULL; c = c->m_pNext) {
-            m_pWork[c->m_nCol] = c->m_dValue;
-            m_pMark[c->m_nCol] = j;
-        }
+        Slot *pSlot = m_pSlot.data();
+        for (cell *c = m_pTable[j].m_pFirstCell; c != NULL; c = c->m_pNext)
+            pSlot[c->m_nCol] = Slot{c->m_dValue, j};
         m_rows.clear();
         for (int i = m_pBucket[j]; i >= 0; i = m_pNextInBucket[i])
             m_rows.push_back(i);
@@ -100,26 +106,24 @@ private:
 
         m_new.clear();
         // Plain pointers for the hot loop: the stores into the work row cannot alias them.
-        double *pWork = m_pWork.data();
-        int *pMark = m_pMark.data();
-        const int *pCol = m_col.data();
-        const double *pVal = m_val.data();
         for (int i : m_rows) {
+            const int *pCol = m_pColOf[i];
+            const double *pVal = m_pValOf[i];
             int p = m_pPos[i];
             const int nEnd = m_pEnd[i];
             double a = pVal[p];
             if (a != 0.0) {
                 double dFactor = -a / m_pD[i];
                 for (int q = p; q < nEnd; q++) {
-                    int k = pCol[q];
+                    Slot &s = pSlot[pCol[q]];
                     double x = dFactor * pVal[q];
-                    if (pMark[k] == j) {
-                        pWork[k] += x;
+                    if (s.nMark == j) {
+                        s.dWork += x;
                     } else {
                         // A new cell takes its first update as it stands.
-                        pMark[k] = j;
-                        pWork[k] = x;
-                        m_new.push_back(k);
+                        s.nMark = j;
+                        s.dWork = x;
+                        m_new.push_back(pCol[q]);
                     }
                 }
             }
@@ -128,36 +132,61 @@ private:
             if (p < nEnd)
                 Wait(i, pCol[p]);
         }
-
-        // New cells into their sorted places, then every value back from the work row.
         std::sort(m_new.begin(), m_new.end());
-        cell **ppLink = &R.m_pFirstCell;
-        for (int k : m_new) {
-            while (*ppLink != NULL && (*ppLink)->m_nCol < k)
-                ppLink = &(*ppLink)->m_pNext;
-            *ppLink = sparse_detail::NewCell(*ppLink, 0.0, k);
-            ppLink = &(*ppLink)->m_pNext;
-        }
-        for (cell *c = R.m_pFirstCell; c != NULL; c = c->m_pNext)
-            c->m_dValue = m_pWork[c->m_nCol];
     }
 
-    // Row j is complete: its unscaled values go to the flat arrays for the later rows,
-    // its cells behind the pivot are scaled, and it waits on its first column.
-    void Finish(int j, cell *pPivot) {
-        double d = pPivot->m_dValue;
-        m_pD[j] = d;
-        m_pStart[j] = (int)m_col.size();
-        for (cell *a = pPivot->m_pNext; a != NULL; a = a->m_pNext) {
-            m_col.push_back(a->m_nCol);
-            m_val.push_back(a->m_dValue);
-            if (a->m_dValue != 0.0)
-                a->m_dValue /= d;
+    // One walk along row j: new cells linked into their sorted places, every value back
+    // from the work row. With bFinish the row is complete: its unscaled values behind the
+    // pivot go to the flat arrays for the later rows, its cells there are scaled, and it
+    // waits on its first column.
+    void Store(int j, bool bFinish) {
+        const Slot *pSlot = m_pSlot.data();
+        cell **ppLink = &m_pTable[j].m_pFirstCell;
+        auto kNew = m_new.begin();
+        double d = 0.0;
+        int *pCol = NULL;
+        double *pVal = NULL;
+        int nCount = 0;
+        if (bFinish) {
+            // Room for the longest row the cells can make.
+            if (m_nUsed + m_n > m_nBlock || m_colBlocks.empty()) {
+                m_colBlocks.emplace_back(new int[m_nBlock]);
+                m_valBlocks.emplace_back(new double[m_nBlock]);
+                m_nUsed = 0;
+            }
+            pCol = m_colBlocks.back().get() + m_nUsed;
+            pVal = m_valBlocks.back().get() + m_nUsed;
         }
-        m_pEnd[j] = (int)m_col.size();
-        m_pPos[j] = m_pStart[j];
-        if (m_pStart[j] < m_pEnd[j])
-            Wait(j, m_col[m_pStart[j]]);
+        for (bool bPivot = true;; bPivot = false) {
+            cell *c = *ppLink;
+            if (kNew != m_new.end() && (c == NULL || *kNew < c->m_nCol))
+                c = *ppLink = sparse_detail::NewCell(c, 0.0, *kNew++);
+            else if (c == NULL)
+                break;
+            double v = pSlot[c->m_nCol].dWork;
+            c->m_dValue = v;
+            ppLink = &c->m_pNext;
+            if (!bFinish)
+                continue;
+            if (bPivot) {
+                d = v;
+                continue;
+            }
+            pCol[nCount] = c->m_nCol;
+            pVal[nCount++] = v;
+            if (v != 0.0)
+                c->m_dValue = v / d;
+        }
+        if (!bFinish)
+            return;
+        m_pD[j] = d;
+        m_pColOf[j] = pCol;
+        m_pValOf[j] = pVal;
+        m_pPos[j] = 0;
+        m_pEnd[j] = nCount;
+        m_nUsed += nCount;
+        if (nCount > 0)
+            Wait(j, pCol[0]);
     }
 
     void Wait(int i, int nCol) {
@@ -167,15 +196,19 @@ private:
 
     row *m_pTable;
     int m_n;
-    std::vector<double> m_pD;          // pivot of each finished row
-    std::vector<int> m_pStart, m_pEnd; // its cells behind the pivot in m_col / m_val
-    std::vector<int> m_pPos;           // its next chain still owed to a later row
-    std::vector<int> m_pBucket;        // per column: the rows owing it a chain
+    std::vector<double> m_pD; // pivot of each finished row
+    // Its cells behind the pivot: columns and values before scaling, m_pEnd of them.
+    std::vector<const int *> m_pColOf;
+    std::vector<const double *> m_pValOf;
+    std::vector<int> m_pPos, m_pEnd; // its next chain still owed to a later row
+    std::vector<int> m_pBucket;      // per column: the rows owing it a chain
     std::vector<int> m_pNextInBucket;
-    std::vector<int> m_col;    // columns of the finished rows behind their pivots
-    std::vector<double> m_val; // their values before scaling
-    std::vector<double> m_pWork;
-    std::vector<int> m_pMark; // the row whose work entry this is
+    std::vector<Slot> m_pSlot;
+    // The rows' columns and values in blocks, so that growing never copies.
+    std::vector<std::unique_ptr<int[]>> m_colBlocks;
+    std::vector<std::unique_ptr<double[]>> m_valBlocks;
+    int m_nBlock;
+    int m_nUsed = 0;
     std::vector<int> m_rows, m_new;
 };
 
