@@ -282,3 +282,82 @@ TEST(Pinning, FactorAndSolutionHashes) {
         EXPECT_EQ(Hash(p.a, p.Ba), expected[bMinDeg]) << std::hex << Hash(p.a, p.Ba);
     }
 }
+
+// LU without pivoting, each pivot scanning every later row for a cell in its column.
+static int PlainLU(CSparseMatrix &m) {
+    std::vector<row *> rows;
+    for (row *r = m.m_pFirstRow; r != NULL; r = r->m_pNext)
+        rows.push_back(r);
+    const int n = (int)rows.size();
+    std::vector<cell *> entry(n);
+    for (int t = 0; t < n; t++)
+        entry[t] = rows[t]->m_pFirstCell;
+    for (int k = 0; k < n; k++) {
+        cell *p = entry[k];
+        if (rows[k]->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0)
+            return -1;
+        for (int t = k + 1; t < n; t++) {
+            cell *e = entry[t];
+            if (e == NULL || e->m_nCol != k)
+                continue;
+            if (e->m_dValue != 0.0) {
+                e->m_dValue = e->m_dValue / p->m_dValue;
+                cell *pCursor = e;
+                for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                    rows[t]->Add(b->m_nCol, -(b->m_dValue * e->m_dValue), pCursor);
+            }
+            entry[t] = e->m_pNext;
+        }
+    }
+    return 1;
+}
+
+// Both LU forms, table and list, on a full non-symmetric mesh matrix.
+TEST(Pinning, LUMatchesThePlainFormBitForBit) {
+    for (bool bQuads : {false, true}) {
+        Pair p(bQuads, 2, false, false);
+        ASSERT_EQ(p.a.LU(), 1);
+        ASSERT_EQ(PlainLU(p.b), 1);
+        p.ExpectSame("LU");
+
+        Pair q(bQuads, 1, false, false);
+        CSparseMatrix list, plain;
+        for (CSparseMatrix *m : {&list, &plain}) {
+            row *pRow = NULL;
+            for (row *r = q.a.m_pFirstRow; r != NULL; r = r->m_pNext) {
+                cell *pCell = NULL;
+                for (cell *c = r->m_pFirstCell; c != NULL; c = c->m_pNext)
+                    m->Add(r->m_nRow, c->m_nCol, c->m_dValue, pRow, pCell);
+            }
+        }
+        ASSERT_EQ(list.LU(), 1);
+        ASSERT_EQ(PlainLU(plain), 1);
+        EXPECT_TRUE(Cells(list) == Cells(plain));
+    }
+}
+
+// Cells live in their matrix's slabs, yet a cell a caller unlinked stays the caller's:
+// it outlives the matrix and goes with delete; a cell the host made itself and linked in
+// goes with the row.
+TEST(CellPool, UnlinkedCellsOutliveTheirMatrixAndHostCellsGoWithTheRow) {
+    cell *pKept;
+    {
+        CSystSpMat m(3);
+        for (int k = 0; k < 5000; k++) // more than one slab
+            m.Add(k % 3, k, 1.0 + k);
+        pKept = m.m_pRowTable[1].Remove(4);
+        ASSERT_NE(pKept, nullptr);
+        cell *pHost = new cell;
+        pHost->m_pNext = m.m_pRowTable[2].m_pFirstCell;
+        pHost->m_dValue = -1.0;
+        pHost->m_nCol = -1;
+        m.m_pRowTable[2].m_pFirstCell = pHost;
+        int nSize = 2; // another size: every cell goes back, and the next ones reuse slabs
+        m.Allocate(&nSize, 1);
+        m.Add(1, 1, 7.0);
+        EXPECT_EQ(Dump(m), "(1,1)7");
+    }
+    EXPECT_EQ(pKept->m_nCol, 4);
+    EXPECT_EQ(pKept->m_dValue, 5.0);
+    delete pKept;
+}
