@@ -26,6 +26,8 @@ public:
 
     // Room for one cell, from the pool of the operation running on this thread.
     static void *AllocateCurrent();
+    // Room for one cell from this pool; for the hot paths that know their matrix.
+    void *Allocate();
     static void Free(void *p);
     // The owner is gone: slabs without a live cell go now, the others with their last cell.
     void Release();
@@ -33,7 +35,6 @@ public:
 private:
     friend class CellScope;
     struct Slab;
-    void *Allocate();
     void NextSlab();
     void FreeHere(Slab *pSlab, void *p);
 

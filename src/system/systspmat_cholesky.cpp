@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace {
@@ -56,9 +57,9 @@ bool IsUpperTable(row *pTable, int n) {
 
 class UpLooking {
 public:
-    UpLooking(row *pTable, int n)
-        : m_pTable(pTable), m_n(n), m_pD(n), m_pColOf(n), m_pValOf(n), m_pPos(n), m_pEnd(n),
-          m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pSlot(n, Slot{0.0, -1}),
+    UpLooking(row *pTable, int n, sparse_detail::CellPool *pPool)
+        : m_pPool(pPool), m_pTable(pTable), m_n(n), m_pD(n), m_pColOf(n), m_pValOf(n), m_pPos(n),
+          m_pEnd(n), m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pSlot(n, Slot{0.0, -1}),
           m_nBlock(std::max(n, 1 << 18)) {}
 
     int Factorise() {
@@ -160,7 +161,7 @@ private:
         for (bool bPivot = true;; bPivot = false) {
             cell *c = *ppLink;
             if (kNew != m_new.end() && (c == NULL || *kNew < c->m_nCol))
-                c = *ppLink = sparse_detail::NewCell(c, 0.0, *kNew++);
+                c = *ppLink = NewCell(c, *kNew++);
             else if (c == NULL)
                 break;
             double v = pSlot[c->m_nCol].dWork;
@@ -189,11 +190,22 @@ private:
             Wait(j, pCol[0]);
     }
 
+    // A cell from the matrix's pool directly: the same cell a new would give, without
+    // asking which operation runs.
+    cell *NewCell(cell *pNext, int nCol) {
+        cell *c = ::new (m_pPool->Allocate()) cell;
+        c->m_pNext = pNext;
+        c->m_dValue = 0.0;
+        c->m_nCol = nCol;
+        return c;
+    }
+
     void Wait(int i, int nCol) {
         m_pNextInBucket[i] = m_pBucket[nCol];
         m_pBucket[nCol] = i;
     }
 
+    sparse_detail::CellPool *m_pPool;
     row *m_pTable;
     int m_n;
     std::vector<double> m_pD; // pivot of each finished row
@@ -220,6 +232,6 @@ int CSystSpMat::Cholesky() {
     sparse_detail::CellScope cells(m_pCellPool);
     if (!IsUpperTable(m_pRowTable, m_nTableRows))
         return CholeskyByRowMerges(m_pRowTable, m_nTableRows);
-    UpLooking factor(m_pRowTable, m_nTableRows);
+    UpLooking factor(m_pRowTable, m_nTableRows, m_pCellPool);
     return factor.Factorise();
 }
