@@ -31,6 +31,10 @@
 // - UnifyAndZero(nRow) with nRow in front of the first row makes row nRow the new head.
 // - Allocate with a negative row count empties the matrix, as a count of 0 does.
 // - AddValues expects distinct indices; a repeat sums the entry found last once more.
+// - ForwSub -1 and -2 on rows numbered 0 to n-1 let each finished row take its terms off
+//   the later rows: the same subtractions in the same order per entry as the scan of the
+//   earlier rows, in O(cells). With gaps in the numbering the scan itself runs.
+// - LU finds the rows to eliminate through one waiting list per column, not a scan.
 //
 // Memory. A cell is its three described fields, 24 bytes with the alignment of its
 // pointer and double, and it costs exactly that: cells come from slabs of 256 KiB that the
