@@ -107,7 +107,15 @@ private:
 
         m_new.clear();
         // Plain pointers for the hot loop: the stores into the work row cannot alias them.
-        for (int i : m_rows) {
+        const size_t nRows = m_rows.size();
+        for (size_t r = 0; r < nRows; r++) {
+            const int i = m_rows[r];
+            // The next chain is elsewhere in memory: ask for it while this one runs.
+            if (r + 1 < nRows) {
+                const int iNext = m_rows[r + 1];
+                __builtin_prefetch(m_pValOf[iNext] + m_pPos[iNext]);
+                __builtin_prefetch(m_pColOf[iNext] + m_pPos[iNext]);
+            }
             const int *pCol = m_pColOf[i];
             const double *pVal = m_pValOf[i];
             int p = m_pPos[i];
