@@ -60,7 +60,7 @@ struct PrescribedByNumber {
                 pIndex[pFill[numbers[i]]++] = i;
     }
     bool Has(int d) const {
-        return d >= 0 && d + 1 < (int)pStart.size() && pStart[d] < pStart[d + 1];
+        return d >= 0 && d < (int)pStart.size() - 1 && pStart[d] < pStart[d + 1];
     }
     int First(int d) const { return pIndex[pStart[d]]; }
 };
