@@ -54,21 +54,25 @@ CSparseMatrix::row *CSparseMatrix::FindOrMakeRow(int nRow, row *pStart) {
 }
 
 void CSparseMatrix::Add(int nRow, int nCol, double dValue) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (dValue == 0.0)
         return;
     FindOrMakeRow(nRow, NULL)->Add(nCol, dValue);
 }
 
 void CSparseMatrix::Add(int nRow, int nCol, double dValue, cell *&pCell) {
+    sparse_detail::CellScope cells(m_pCellPool);
     FindOrMakeRow(nRow, NULL)->Add(nCol, dValue, pCell);
 }
 
 void CSparseMatrix::Add(int nRow, int nCol, double dValue, row *&pRow) {
+    sparse_detail::CellScope cells(m_pCellPool);
     pRow = FindOrMakeRow(nRow, pRow);
     pRow->Add(nCol, dValue);
 }
 
 void CSparseMatrix::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell) {
+    sparse_detail::CellScope cells(m_pCellPool);
     pRow = FindOrMakeRow(nRow, pRow);
     pRow->Add(nCol, dValue, pCell);
 }
@@ -76,6 +80,7 @@ void CSparseMatrix::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pC
 // Sums the n by n row-major element matrix pValues at rows and columns pDOFs; negative
 // entries take no part. The first column of each element row is written even for 0.0.
 void CSparseMatrix::AddValues(LONG *pDOFs, double *pValues, int n) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (n < 1)
         return;
     int *pOrder = new int[n];
@@ -106,6 +111,7 @@ void CSparseMatrix::AddValues(LONG *pDOFs, double *pValues, int n) {
 
 // Sums the cells of other that are not 0.0 into this matrix through the virtual Add.
 CSparseMatrix &CSparseMatrix::operator=(CSparseMatrix &other) {
+    sparse_detail::CellScope cells(m_pCellPool);
     row *pRow = NULL;
     for (row *r = other.m_pFirstRow; r != NULL; r = r->m_pNext) {
         cell *pCell = NULL;

@@ -2,6 +2,7 @@
 // full lists without pivoting, and the two solvers built on them. Fill-in is linked into
 // the lists where the walk stands; nothing searches a row from its head per update.
 #include <cstdio>
+#include <vector>
 
 #include "dense/matrix.h"
 #include "sparse/sparse_internal.h"
@@ -12,6 +13,7 @@ using namespace sparse_detail;
 // A = U^T D U in place on the upper triangle: pivots d_i first in each row, u_ij behind.
 // Yields 1, or -1 at the first missing row, misplaced diagonal or pivot not above 0.0.
 int CSparseMatrix::Cholesky() {
+    sparse_detail::CellScope cells(m_pCellPool);
     int i = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, i++) {
         // the pivot
@@ -50,51 +52,58 @@ int CSparseMatrix::Cholesky() {
 // A = L U in place, unit diagonal of L implied, no pivoting. Yields 1, or -1 at the first
 // missing row, row not standing on its diagonal, or pivot of exactly 0.0.
 int CSparseMatrix::LU() {
+    sparse_detail::CellScope cells(m_pCellPool);
     int n = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext)
         n++;
-    // Entry t: the first cell of row t that elimination has not passed yet. Its column and
-    // its row are mirrored in flat arrays, so that the look at every later row per pivot
-    // reads contiguous memory instead of chasing rows and cells.
-    cell **pEntry = new cell *[n];
-    LONG *pEntryCol = new LONG[n];
-    row **pRowAt = new row *[n];
+    // Entry t: the first cell of row t that elimination has not passed yet. The rows wait
+    // in one list per column of their entry, so that a pivot finds the rows with a cell in
+    // its column without looking at the others. Rows are independent of each other in one
+    // elimination step, so the order within a list changes no value.
+    std::vector<row *> pRowAt(n);
+    std::vector<cell *> pEntry(n);
+    std::vector<int> pWaiting(n, -1), pNextWaiting(n, -1);
+    auto wait = [&](int t) {
+        cell *e = pEntry[t];
+        if (e != NULL && e->m_nCol >= 0 && e->m_nCol < n) {
+            pNextWaiting[t] = pWaiting[e->m_nCol];
+            pWaiting[e->m_nCol] = t;
+        }
+    };
     int t = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, t++) {
         pRowAt[t] = r;
         pEntry[t] = r->m_pFirstCell;
-        pEntryCol[t] = r->m_pFirstCell != NULL ? r->m_pFirstCell->m_nCol : -1;
+        wait(t);
     }
 
-    int nResult = 1;
     for (int k = 0; k < n; k++) {
         row *r = pRowAt[k];
         cell *p = pEntry[k];
-        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0) {
-            nResult = -1;
-            break;
-        }
+        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0)
+            return -1;
         // eliminate column k from the later rows that have a cell there
-        for (t = k + 1; t < n; t++) {
-            if (pEntryCol[t] != k)
-                continue;
-            cell *e = pEntry[t];
-            if (e->m_dValue != 0.0) {
-                e->m_dValue = e->m_dValue / p->m_dValue;
-                double dL = e->m_dValue;
-                cell *pCursor = e;
-                for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
-                    pRowAt[t]->Add(b->m_nCol, -(b->m_dValue * dL), pCursor);
+        t = pWaiting[k];
+        pWaiting[k] = -1;
+        while (t >= 0) {
+            int nNext = pNextWaiting[t];
+            if (t > k) {
+                cell *e = pEntry[t];
+                if (e->m_dValue != 0.0) {
+                    e->m_dValue = e->m_dValue / p->m_dValue;
+                    double dL = e->m_dValue;
+                    cell *pCursor = e;
+                    for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                        pRowAt[t]->Add(b->m_nCol, -(b->m_dValue * dL), pCursor);
+                }
+                // step behind e; that may be a cell just created
+                pEntry[t] = e->m_pNext;
+                wait(t);
             }
-            // step behind e; that may be a cell just created
-            pEntry[t] = e->m_pNext;
-            pEntryCol[t] = e->m_pNext != NULL ? e->m_pNext->m_nCol : -1;
+            t = nNext;
         }
     }
-    delete[] pRowAt;
-    delete[] pEntryCol;
-    delete[] pEntry;
-    return nResult;
+    return 1;
 }
 
 // Factorises by Cholesky and solves for every column of pB; m_Flops counts this solve alone.

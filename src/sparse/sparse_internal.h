@@ -3,6 +3,7 @@
 #pragma once
 
 #include "platform/runtime.h"
+#include "sparse/cellpool.h"
 #include "sparse/sparsematrix.h"
 
 namespace sparse_detail {

@@ -170,10 +170,13 @@ double CSparseMatrix::row::Max() {
 // ---------------------------------------------------------------------------------------
 // CSparseMatrix: construction, sizing, whole-matrix values
 
-CSparseMatrix::CSparseMatrix() : m_nRows(0), m_nColumns(0), m_pFirstRow(NULL) {}
+CSparseMatrix::CSparseMatrix() : m_nRows(0), m_nColumns(0), m_pFirstRow(NULL), m_pCellPool(NULL) {}
 
 CSparseMatrix::~CSparseMatrix() {
     Clear();
+    // Cells still linked elsewhere keep their slabs until they are freed.
+    if (m_pCellPool != NULL)
+        m_pCellPool->Release();
 }
 
 void CSparseMatrix::Clear() {
@@ -190,6 +193,7 @@ void CSparseMatrix::Clear() {
 
 // Makes the lists full: pSizes[0] rows of pSizes[1] cells holding pSizes[3], reusing nodes.
 bool CSparseMatrix::Allocate(int *pSizes, int nDims) {
+    sparse_detail::CellScope cells(m_pCellPool);
     int nRowCount = pSizes[0];
     if (nRowCount <= 0) {
         Clear();

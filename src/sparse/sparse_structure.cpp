@@ -18,6 +18,7 @@ void CSparseMatrix::UnifyAndZero(int nRow, double dValue, CVirtMat *pB) {
 // Row nRow becomes the lone diagonal 1.0 and column nRow leaves every other row; with pB,
 // B[nRow] takes dValue and each removed cell's contribution moves into its row of B.
 void CSparseMatrix::UnifyRow(int nRow, double dValue, CVirtMat *pB) {
+    sparse_detail::CellScope cells(m_pCellPool);
     CMatrix *B = static_cast<CMatrix *>(pB);
     int nc = B != NULL ? B->GetColumns() : 0;
     if (nc > 0) {
@@ -60,6 +61,7 @@ void CSparseMatrix::UnifyRow(int nRow, double dValue, CVirtMat *pB) {
 
 // Replaces A by A A^T, all pairs of rows; sums of exactly 0.0 get no cell.
 void CSparseMatrix::AAT() {
+    sparse_detail::CellScope cells(m_pCellPool);
     CSparseMatrix product;
     row *pRowCursor = NULL;
     for (row *a = m_pFirstRow; a != NULL; a = a->m_pNext) {

@@ -9,6 +9,17 @@
 
 using namespace sparse_detail;
 
+// True when the row at list position p has the index p for every p: rows 0 to n-1, as
+// the substitutions require.
+bool CSparseMatrix::RowsAreNumberedByPosition() {
+    int p = 0;
+    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, p++) {
+        if (r->m_nRow != p)
+            return false;
+    }
+    return true;
+}
+
 // Modes 1, 2: solves L y = b with the cells left of the diagonal (2 then divides by the
 // diagonal). Modes -1, -2: solves U^T y = b with the cells right of the diagonal, the
 // diagonal being each row's first cell (-2 then divides by it).
@@ -34,7 +45,31 @@ void CSparseMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
                     br[k] /= c->m_dValue;
             }
         }
+    } else if ((nMode == -1 || nMode == -2) && RowsAreNumberedByPosition()) {
+        // Row i, once finished, takes its terms off the later rows: each entry of B sees
+        // the same subtractions in the same order as the scan below, in O(cells).
+        int n = GetRows();
+        int i = 0;
+        for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, i++) {
+            double *bi = pData + (size_t)i * nc;
+            cell *pFirst = r->m_pFirstCell;
+            if (pFirst == NULL)
+                continue;
+            if (nMode == -2) {
+                for (int k = 0; k < nc; k++)
+                    bi[k] /= pFirst->m_dValue;
+            }
+            // The scan never reaches a cell at or left of its own row, nor past the last
+            // row, and such a cell holds back all cells behind it.
+            for (cell *e = pFirst->m_pNext; e != NULL && e->m_nCol > i && e->m_nCol < n;
+                 e = e->m_pNext) {
+                double *bj = pData + (size_t)e->m_nCol * nc;
+                for (int k = 0; k < nc; k++)
+                    bj[k] -= bi[k] * e->m_dValue;
+            }
+        }
     } else if (nMode == -1 || nMode == -2) {
+        // Rows with gaps in their numbering: the scan of every earlier row per row.
         // Entry i walks row i behind its diagonal; it serves row r when its column is r.
         // The columns are mirrored in a flat array so that the scan of the earlier rows
         // reads contiguous memory instead of chasing cells.
@@ -147,6 +182,7 @@ void CSparseMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
 // Drops what lies below the diagonal, then puts dFactor * (i, j) at (j, i) for every cell
 // right of the diagonal. Yields its own running time in seconds.
 double CSparseMatrix::Mirror(double dFactor) {
+    sparse_detail::CellScope cells(m_pCellPool);
     LONG nStart = AfxClock();
 
     // cut each row to its upper part; rows left empty go

@@ -40,11 +40,25 @@
 //   a negative nMaxIter runs no iteration and yields 0, the iterations completed.
 // - ConjGradient: a row without a diagonal cell scales by 1.0, and a row without any cell
 //   adds nothing to the product (ConjGradient2 takes it as a row of the identity).
+// - ForwSub -1 and -2 on rows numbered 0 to n-1 let each finished row take its terms off
+//   the later rows: the same subtractions in the same order per entry as the scan of the
+//   earlier rows, in O(cells). With gaps in the numbering the scan itself runs.
+// - LU finds the rows to eliminate through one waiting list per column, not a scan.
+//
+// Memory. A cell is its three described fields, 24 bytes with the alignment of its
+// pointer and double, and it costs exactly that: cells come from slabs of 256 KiB that the
+// matrix owns (fill-in included), not from one allocation each. 16 bytes would need a
+// 32-bit link in place of the described pointer m_pNext, which the list walks, the
+// cursors and the callers' own loops all read as a cell *; so 24 it stays. A cell that a
+// caller unlinks is still freed with delete, and stays valid after its matrix is gone.
 #pragma once
 
 #include "frame/virtmat.h"
 
 class CVector;
+namespace sparse_detail {
+class CellPool;
+}
 
 class CSparseMatrix : public CVirtRealMat {
     DECLARE_SERIAL(CSparseMatrix)
@@ -62,6 +76,11 @@ public:
         cell *Remove(int nCol);
         // Divides this cell and every cell behind it by d.
         void DivideAll(double d);
+
+        // Cells come from the slabs of their matrix's pool (see the note above); a plain
+        // new and delete still make and free one anywhere.
+        static void *operator new(size_t nSize);
+        static void operator delete(void *p, size_t nSize);
     };
 
     // One row: owns its cells. The default constructor sets no field; copies are
@@ -191,7 +210,12 @@ public:
     LONG m_nColumns; // column count of the last Allocate
     row *m_pFirstRow;
 
+protected:
+    // The slabs this matrix's cells come from; made on first use, released with the matrix.
+    sparse_detail::CellPool *m_pCellPool;
+
 private:
     row *FindOrMakeRow(int nRow, row *pStart);
     void UnifyRow(int nRow, double dValue, CVirtMat *pB);
+    bool RowsAreNumberedByPosition();
 };

@@ -22,6 +22,15 @@
 //
 // Every Add form drops a value of exactly 0.0. Row numbers are trusted to be in range.
 //
+// Cost. Cholesky computes the row-merging factor row by row: each row gathers, in
+// ascending order of the rows it owes, their chains into a work row, so every entry sees
+// the same operations in the same order and the factor is bit for bit the merging one,
+// without a walk along a target row per update. It needs every cell at or right of its
+// row's diagonal and inside the table; other tables take the merging form itself. LU finds
+// the rows to eliminate through one waiting list per column. The prescribed-value
+// operations walk the cells once and apply the corrections of each row in the order of
+// the prescribed list, so their results are those of the value-by-value description.
+//
 // Behaviour at the edges, chosen here:
 // - Clear is overridden to empty the matrix as Allocate with 0 rows does, since the base's
 //   Clear deletes rows singly. AAT, and Mirror on a row it would leave without cells, still

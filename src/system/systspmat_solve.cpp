@@ -1,75 +1,64 @@
-// CSystSpMat: the factorisations through the row table, and the Gauss-Seidel iteration.
+// CSystSpMat: LU through the row table, and the Gauss-Seidel iteration (Cholesky has its
+// own file).
+#include "sparse/sparse_internal.h"
 #include "system/systspmat.h"
 
 #include "dense/vector.h"
 
 #include <cmath>
 #include <cstdio>
-
-// Root-free A = U^T D U in place: the first cell of each row ends as the pivot, the others
-// as the unit upper factor; fill-in is merged into the target rows by row::AddRow.
-int CSystSpMat::Cholesky() {
-    for (int i = 0; i < m_nTableRows; i++) {
-        cell *c = m_pRowTable[i].m_pFirstCell;
-        if (c == NULL)
-            return -1;
-        double d = c->m_dValue;
-        if (d <= 0.0)
-            return -1;
-        for (cell *a = c->m_pNext; a != NULL; a = a->m_pNext) {
-            double f = -a->m_dValue;
-            if (f == 0.0)
-                continue;
-            // The chain from a is still unscaled here; a is scaled only afterwards.
-            m_pRowTable[a->m_nCol].AddRow(a, f / d);
-            a->m_dValue /= d;
-        }
-    }
-    return 1;
-}
+#include <vector>
 
 // A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
 // diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
 int CSystSpMat::LU() {
-    // Entry t stands on the first cell of row t that elimination has not passed yet; its
-    // column is mirrored in a flat array, so the look at every later row per pivot reads
-    // contiguous memory. The table rows are the list rows, in the same order.
+    sparse_detail::CellScope cells(m_pCellPool);
+    // Entry t stands on the first cell of row t that elimination has not passed yet.
+    // The rows wait in one list per column of their entry, so that a pivot finds the rows
+    // with a cell in its column without looking at the others. Rows are independent of
+    // each other in one elimination step, so the order within a list changes no value.
     const int n = m_nTableRows;
-    cell **pEntry = new cell *[n > 0 ? n : 1];
-    LONG *pEntryCol = new LONG[n > 0 ? n : 1];
-    for (int t = 0; t < n; t++) {
+    std::vector<cell *> pEntry(n);
+    std::vector<int> pWaiting(n, -1), pNextWaiting(n, -1);
+    auto wait = [&](int t) {
+        cell *e = pEntry[t];
+        if (e != NULL && e->m_nCol >= 0 && e->m_nCol < n) {
+            pNextWaiting[t] = pWaiting[e->m_nCol];
+            pWaiting[e->m_nCol] = t;
+        }
+    };
+    for (int t = n - 1; t >= 0; t--) {
         pEntry[t] = m_pRowTable[t].m_pFirstCell;
-        pEntryCol[t] = pEntry[t] != NULL ? pEntry[t]->m_nCol : -1;
+        wait(t);
     }
 
-    int nResult = 1;
     int k = 0;
     for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, k++) {
         cell *p = pEntry[k];
-        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0) {
-            nResult = -1;
-            break;
-        }
+        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0)
+            return -1;
         // A diagonal with nothing behind it still scales and passes the cells below it.
-        for (int t = k + 1; t < n; t++) {
-            if (pEntryCol[t] != k)
-                continue;
-            cell *e = pEntry[t];
-            if (e->m_dValue != 0.0) {
-                double l = e->m_dValue / p->m_dValue;
-                e->m_dValue = l;
-                cell *pCursor = e;
-                for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
-                    m_pRowTable[t].Add(b->m_nCol, -(b->m_dValue * l), pCursor);
+        int t = pWaiting[k];
+        pWaiting[k] = -1;
+        while (t >= 0) {
+            int nNext = pNextWaiting[t];
+            if (t > k) {
+                cell *e = pEntry[t];
+                if (e->m_dValue != 0.0) {
+                    double l = e->m_dValue / p->m_dValue;
+                    e->m_dValue = l;
+                    cell *pCursor = e;
+                    for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
+                        m_pRowTable[t].Add(b->m_nCol, -(b->m_dValue * l), pCursor);
+                }
+                // Behind e; that may be a cell just created.
+                pEntry[t] = e->m_pNext;
+                wait(t);
             }
-            // Behind e; that may be a cell just created.
-            pEntry[t] = e->m_pNext;
-            pEntryCol[t] = e->m_pNext != NULL ? e->m_pNext->m_nCol : -1;
+            t = nNext;
         }
     }
-    delete[] pEntryCol;
-    delete[] pEntry;
-    return nResult;
+    return 1;
 }
 
 // One symmetric sweep: (D + L) x_new = F - U x_old with L = U^T, on upper storage.

@@ -70,6 +70,7 @@ bool CSystSpMat::Allocate(int *pSizes, int /*nDims*/) {
 }
 
 bool CSystSpMat::Allocate(CReorderMat &graph) {
+    sparse_detail::CellScope cells(m_pCellPool);
     int n = graph.GetRows();
     if (n == 0) {
         Allocate(&n, 1);
@@ -110,18 +111,21 @@ bool CSystSpMat::Allocate(CReorderMat &graph) {
 }
 
 void CSystSpMat::Add(int nRow, int nCol, double dValue) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (dValue == 0.0)
         return;
     m_pRowTable[nRow].Add(nCol, dValue);
 }
 
 void CSystSpMat::Add(int nRow, int nCol, double dValue, cell *&pCell) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (dValue == 0.0)
         return;
     m_pRowTable[nRow].Add(nCol, dValue, pCell);
 }
 
 void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (dValue == 0.0)
         return;
     pRow = &m_pRowTable[nRow];
@@ -129,6 +133,7 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow) {
 }
 
 void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (dValue == 0.0)
         return;
     pRow = &m_pRowTable[nRow];
@@ -136,6 +141,7 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell
 }
 
 void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
+    sparse_detail::CellScope cells(m_pCellPool);
     if (n < 1)
         return;
     int *pOrder = new int[n];
