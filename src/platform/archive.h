@@ -49,6 +49,16 @@ public:
     // buffer, or throws endOfFile.
     void FillBuffer(UINT nBytesNeeded);
 
+    // Loading: how many bytes the archive can still hand out: those it has read ahead plus
+    // what its file holds behind the file's position. A file that cannot tell its position
+    // (a pipe) is unbounded: the result is then ULLONG_MAX.
+    ULONGLONG GetBytesLeft() const;
+    // Loading: throws endOfFile unless nCount items of nItemSize bytes each can still be
+    // read. Every loader that reads a count from the archive calls this before it
+    // allocates for the count, so that a damaged count costs an exception, not memory:
+    // no load allocates more than the archive can deliver.
+    void CheckAvailable(ULONGLONG nCount, UINT nItemSize) const;
+
     // Up to nMax raw bytes; fewer only at the end of the file.
     UINT Read(void *lpBuf, UINT nMax);
     void Write(const void *lpBuf, UINT nMax);
