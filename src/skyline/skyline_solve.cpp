@@ -189,10 +189,19 @@ int CSkylineMatrix::GaussSeidel_Iter(CVector &b, CVector &x, double dTol, int nM
     const int n = b.GetSize();
     if (n == 0)
         return 1;
+    // A zero or non-finite diagonal: no sweep, x unchanged, -1 (reported as 0 sweeps).
+    bool bUsable = true;
+    for (int i = 0; i < n; i++)
+        if (*m_ppDiag[i] == 0.0 || !std::isfinite(*m_ppDiag[i]))
+            bUsable = false;
     if (n == 1) {
+        if (!bUsable)
+            return -1;
         x[0] = b[0] / (*this)(0, 0);
-        return 1;
+        return std::isfinite(x[0]) ? 1 : -1;
     }
+    if (!bUsable)
+        nMaxIter = 0;
     const LONG nStart = AfxClock();
     int nResult = -1;
     double dNorm = 0.0;
@@ -240,6 +249,10 @@ int CSkylineMatrix::GaussSeidel_Iter(CVector &b, CVector &x, double dTol, int nM
     }
     if (nResult != 1 && nSweeps > 0)
         y.SwitchVectors(&x); // x takes the newest iterate back
+    // A non-finite iterate hides from the norm; it is no solution.
+    for (int i = 0; nResult == 1 && i < n; i++)
+        if (!std::isfinite(x[i]))
+            nResult = -1;
     const LONG nEnd = AfxClock();
 
     char szText[512];
