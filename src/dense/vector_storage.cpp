@@ -138,6 +138,7 @@ void CVector::SetIncremental(double dStep, double dStart) {
 }
 
 void CVector::AddValues(LONG *pIndices, double *pValues, int nCount) {
+    FEMMAT_CHECK_DOFS("CVector::AddValues", pIndices, nCount, m_nSize);
     for (int i = 0; i < nCount; i++)
         if (pIndices[i] >= 0)
             m_pVector[pIndices[i]] += pValues[i];

@@ -140,6 +140,9 @@ static bool AllFinite(const double *p, int n) {
 // Gauss-Seidel from the start vector vX until a sweep changes no component by dTol or
 // more; vX receives the last iterate. 1 if converged, else -1; the report is always shown.
 int CSystSpMat::GaussSeidel_Iter(CVector &vF, CVector &vX, double dTol, int nMaxIter) {
+    FEMMAT_CHECK_SIZE("CSystSpMat::GaussSeidel_Iter", "the number of rows", m_nTableRows,
+                      vF.GetSize());
+    FEMMAT_CHECK_SIZE("CSystSpMat::GaussSeidel_Iter", "the size of vX", vX.GetSize(), vF.GetSize());
     const int n = vF.GetSize();
     double dNorm = 0.0;
     int nResult = -1;

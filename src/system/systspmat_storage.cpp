@@ -136,6 +136,7 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell
 }
 
 void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
+    FEMMAT_CHECK_ELEMENT("CSystSpMat::AddValues", pDOFs, n, m_nTableRows);
     if (n < 1)
         return;
     int *pOrder = new int[n];
