@@ -131,7 +131,8 @@ void CLongVector::Serialize(CArchive &ar) {
     }
     LONG nCount, nIgnored;
     ar >> nCount >> nIgnored;
-    ar.EnsureAvailable(nCount, sizeof(LONG));
+    if (nCount > 0)
+        ar.CheckAvailable((ULONGLONG)nCount, sizeof(LONG));
     Allocate(nCount, false, 0);
     for (int i = 0; i < m_nSize && m_pVector != NULL; i++)
         ar >> m_pVector[i];
@@ -250,7 +251,7 @@ void CLongMatrix::Serialize(CArchive &ar) {
     LONG nRows, nColumns;
     ar >> nRows >> nColumns;
     if (nRows > 0 && nColumns > 0)
-        ar.EnsureAvailable((long long)nRows * nColumns, sizeof(LONG));
+        ar.CheckAvailable((ULONGLONG)nRows * (ULONGLONG)nColumns, sizeof(LONG));
     Allocate(nRows, nColumns, false, 0);
     for (int k = 0; m_pVector != NULL && k < m_nRows * m_nColumns; k++)
         ar >> m_pVector[k];

@@ -43,7 +43,7 @@ static void DeleteDistinct(CObject **ppObjects, long long n) {
 // Throws endOfFile unless the archive holds n more object records: at least two bytes each.
 static void CheckRecords(CArchive &ar, long long n) {
     if (n > 0)
-        ar.EnsureAvailable(n, 2);
+        ar.CheckAvailable((ULONGLONG)n, 2);
 }
 
 // --- CObjVect ---

@@ -5,6 +5,7 @@
 // Adds the nCount by nCount element matrix (row-major) at the rows and columns named by
 // pIndices; a negative index leaves out its row and column.
 void CMatrix::AddValues(LONG *pIndices, double *pValues, int nCount) {
+    FEMMAT_CHECK_DOFS("CMatrix::AddValues", pIndices, nCount, std::min(m_nRows, GetColumns()));
     if (nCount < 1)
         return;
     int nCols = GetColumns();

@@ -122,14 +122,24 @@ void CMatrix::SwitchVectors(CVector *pOther) {
         ((CMatrix *)pOther)->Resize(nOldRows, false);
 }
 
-// The vector's stream, then the row count.
+// The vector's stream, then the row count. A throw leaves the old matrix if the vector's
+// part had not begun to change it, else an empty one, never new elements in the old shape.
 void CMatrix::Serialize(CArchive &ar) {
-    CVector::Serialize(ar);
     if (ar.IsStoring()) {
+        CVector::Serialize(ar);
         ar << (LONG)m_nRows;
-    } else {
-        LONG nRows;
-        ar >> nRows;
-        m_nRows = nRows;
+        return;
     }
+    bool bVectorLoaded = false;
+    LONG nRows;
+    try {
+        CVector::Serialize(ar);
+        bVectorLoaded = true;
+        ar >> nRows;
+    } catch (...) {
+        if (bVectorLoaded || m_nSize == 0)
+            SetVector(NULL, 0, 0);
+        throw;
+    }
+    m_nRows = nRows;
 }

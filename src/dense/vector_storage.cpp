@@ -138,6 +138,7 @@ void CVector::SetIncremental(double dStep, double dStart) {
 }
 
 void CVector::AddValues(LONG *pIndices, double *pValues, int nCount) {
+    FEMMAT_CHECK_DOFS("CVector::AddValues", pIndices, nCount, m_nSize);
     for (int i = 0; i < nCount; i++)
         if (pIndices[i] >= 0)
             m_pVector[pIndices[i]] += pValues[i];
@@ -150,15 +151,29 @@ void CVector::Serialize(CArchive &ar) {
             ar << m_pVector[i];
         return;
     }
-    // Loading: an unchanged count keeps the array and overwrites it.
-    int nOld = m_nSize;
+    // Loading. The count is checked against what the archive still holds and a new array
+    // is made before the old one goes, so that a throw leaves the old contents; an
+    // unchanged count keeps the array and overwrites it, and a throw there empties it.
     LONG nCount;
     ar >> nCount;
-    m_nSize = nCount;
-    if (m_nSize != nOld) {
-        delete[] m_pVector;
-        m_pVector = m_nSize > 0 ? new double[m_nSize] : NULL;
+    if (nCount > 0)
+        ar.CheckAvailable((ULONGLONG)nCount, sizeof(double));
+    double *pValues = m_pVector;
+    if (nCount != m_nSize)
+        pValues = nCount > 0 ? new double[nCount] : NULL;
+    try {
+        for (int i = 0; i < nCount; i++)
+            ar >> pValues[i];
+    } catch (...) {
+        if (pValues != m_pVector)
+            delete[] pValues;
+        else
+            SetVector(0, NULL);
+        throw;
     }
-    for (int i = 0; i < m_nSize; i++)
-        ar >> m_pVector[i];
+    if (pValues != m_pVector) {
+        delete[] m_pVector;
+        m_pVector = pValues;
+    }
+    m_nSize = nCount;
 }

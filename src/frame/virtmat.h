@@ -4,6 +4,7 @@
 // Also here: the two class-wide statics, the report-time format, ApproxEqual, QuickSortLongs.
 #pragma once
 
+#include "frame/checked.h"
 #include "platform/afx.h"
 
 class CVirtMat : public CObject {

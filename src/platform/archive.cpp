@@ -1,6 +1,7 @@
 // CArchive: buffering, raw bytes, text lines and object records.
 #include "platform/archive.h"
 
+#include <climits>
 #include <string>
 
 namespace {
@@ -88,6 +89,29 @@ void CArchive::FillBuffer(UINT nBytesNeeded) {
         throw CArchiveException(CArchiveException::writeOnly);
     UINT nTotal = (UINT)(m_pBufMax - m_pBufCur) + nBytesNeeded;
     if (Refill(nTotal) < nTotal)
+        throw CArchiveException(CArchiveException::endOfFile);
+}
+
+ULONGLONG CArchive::GetBytesLeft() const {
+    if (!IsLoading())
+        throw CArchiveException(CArchiveException::writeOnly);
+    CheckOpen();
+    ULONGLONG nBuffered = (ULONGLONG)(m_pBufMax - m_pBufCur);
+    ULONG nLength, nPosition;
+    try {
+        nPosition = m_pFile->GetPosition();
+        nLength = m_pFile->GetLength();
+    } catch (CFileException &) {
+        return ULLONG_MAX;
+    }
+    // A position past the end (after a seek) leaves nothing to read.
+    return nBuffered + (nLength > nPosition ? nLength - nPosition : 0);
+}
+
+void CArchive::CheckAvailable(ULONGLONG nCount, UINT nItemSize) const {
+    ULONGLONG nLeft = GetBytesLeft();
+    // Divided, not multiplied: the product may not fit.
+    if (nItemSize > 0 && nCount > nLeft / nItemSize)
         throw CArchiveException(CArchiveException::endOfFile);
 }
 
@@ -209,6 +233,7 @@ const CRuntimeClass *CArchive::ReadClass(WORD wTag, DWORD dwTag) {
     }
     WORD wSchema, nLen;
     *this >> wSchema >> nLen;
+    CheckAvailable(nLen, 1);
     std::string name(nLen, '\0');
     if (Read(&name[0], nLen) != nLen)
         throw CArchiveException(CArchiveException::endOfFile);
@@ -269,14 +294,4 @@ CObject *CArchive::ReadObject(const CRuntimeClass *pClassRefRequested) {
     }
     m_nReadDepth--;
     return pOb;
-}
-
-void CArchive::EnsureAvailable(long long nCount, UINT nItemSize) {
-    if (nCount <= 0)
-        return;
-    CheckOpen();
-    long long nLeft = (long long)(m_pBufMax - m_pBufCur) + (long long)m_pFile->GetLength() -
-                      (long long)m_pFile->GetPosition();
-    if (nCount > nLeft / (long long)(nItemSize ? nItemSize : 1))
-        throw CArchiveException(CArchiveException::endOfFile);
 }

@@ -54,10 +54,15 @@ public:
     // knows where the file stands behind what it took.
     UINT GetReadAhead() const { return (UINT)(m_pBufMax - m_pBufCur); }
 
-    // Loading: throws endOfFile unless nCount items of nItemSize bytes can still be read
-    // (what is buffered plus what the file has left), so that a loader never allocates
-    // for a count its input cannot hold. A count of 0 or below needs nothing.
-    void EnsureAvailable(long long nCount, UINT nItemSize);
+    // Loading: how many bytes the archive can still hand out: those it has read ahead plus
+    // what its file holds behind the file's position. A file that cannot tell its position
+    // (a pipe) is unbounded: the result is then ULLONG_MAX.
+    ULONGLONG GetBytesLeft() const;
+    // Loading: throws endOfFile unless nCount items of nItemSize bytes each can still be
+    // read. Every loader that reads a count from the archive calls this before it
+    // allocates for the count, so that a damaged count costs an exception, not memory:
+    // no load allocates more than the archive can deliver.
+    void CheckAvailable(ULONGLONG nCount, UINT nItemSize) const;
 
     // Up to nMax raw bytes; fewer only at the end of the file.
     UINT Read(void *lpBuf, UINT nMax);

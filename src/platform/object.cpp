@@ -43,6 +43,10 @@ CRuntimeClass *CRuntimeClass::FromName(const char *pszClassName) {
     return NULL;
 }
 
+CRuntimeClass *CRuntimeClass::GetFirstClass() {
+    return s_pFirstClass;
+}
+
 void AfxClassInit(CRuntimeClass *pNewClass) {
     // A record registered twice would make the list a cycle.
     for (CRuntimeClass *p = s_pFirstClass; p != NULL; p = p->m_pNextClass) {

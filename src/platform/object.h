@@ -23,6 +23,9 @@ struct CRuntimeClass {
     BOOL IsDerivedFrom(const CRuntimeClass *pBase) const;
     // The registered record of that name, or NULL.
     static CRuntimeClass *FromName(const char *pszClassName);
+    // The first registered record, NULL if none; m_pNextClass walks the rest. Lets a host
+    // or a test reach every class that an archive can create by name.
+    static CRuntimeClass *GetFirstClass();
 };
 
 // Adds a record to the list FromName searches; a record already there is left alone.

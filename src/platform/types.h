@@ -12,6 +12,7 @@ typedef uint32_t DWORD;
 typedef unsigned int UINT;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
+typedef uint64_t ULONGLONG;
 
 #ifndef TRUE
 #define TRUE 1

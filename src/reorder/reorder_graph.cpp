@@ -43,6 +43,8 @@ void CReorderMat::Init() {
 }
 
 void CReorderMat::InsertDOFs(LONG *pDOFs, int nPass, int nDOFs) {
+    FEMMAT_CHECK_ELEMENT("CReorderMat::InsertDOFs", pDOFs, nPass == 0 || nPass == 1 ? nDOFs : 0,
+                         m_nRows);
     if (nPass != 0 && nPass != 1)
         return;
     for (int i = 0; i < nDOFs; i++) {

@@ -70,6 +70,7 @@ int CSkylineMatrix::Cholesky() {
 // Solves with the lower factor for every column of *pB, in place: unit diagonal (nMode 1) or
 // the stored one (nMode 2); other modes only time.
 void CSkylineMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSkylineMatrix::ForwSub", pB, m_nRows);
     CSubTimer timer(pTime);
     if (nMode == 1 || nMode == 2) {
         CMatrix &B = *static_cast<CMatrix *>(pB);
@@ -93,6 +94,7 @@ void CSkylineMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
 // give them, but each stored row is walked once: row j, when its own entry is final, pushes
 // its share to the entries of the columns it covers.
 void CSkylineMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSkylineMatrix::BackwSub", pB, m_nRows);
     CSubTimer timer(pTime);
     if (nMode == 1 || nMode == 2) {
         CMatrix &B = *static_cast<CMatrix *>(pB);
@@ -115,6 +117,7 @@ void CSkylineMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
 // Scales by the diagonal: the matrix's by pB[i][0] (nMode 1, -1), or the rows of *pB by the
 // matrix's (nMode 2, -2). No columns: returns before any timing.
 void CSkylineMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSkylineMatrix::DiagMult", pB, m_nRows);
     CMatrix &B = *static_cast<CMatrix *>(pB);
     const int nCols = B.GetColumns();
     if (nCols == 0)
@@ -152,6 +155,7 @@ void CSkylineMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
 
 // Factorises, solves every column of the CMatrix *pB in place and shows the timing report.
 int CSkylineMatrix::Cholesky_Solve(CVirtMat *pB, double &dTime) {
+    FEMMAT_CHECK_RHS("CSkylineMatrix::Cholesky_Solve", pB, m_nRows);
     m_Flops = 0;
     dTime = 1000.0;
     const LONG nStart = AfxClock();
@@ -186,13 +190,26 @@ int CSkylineMatrix::Cholesky_Solve(CVirtMat *pB, double &dTime) {
 // Each sweep subtracts the upper triangle at the old values y, then solves with the lower
 // triangle and the diagonal; both passes walk m_pValues in storage order.
 int CSkylineMatrix::GaussSeidel_Iter(CVector &b, CVector &x, double dTol, int nMaxIter) {
+    FEMMAT_CHECK_SIZE("CSkylineMatrix::GaussSeidel_Iter", "the order of the matrix", m_nRows,
+                      b.GetSize());
+    FEMMAT_CHECK_SIZE("CSkylineMatrix::GaussSeidel_Iter", "the size of x", x.GetSize(),
+                      b.GetSize());
     const int n = b.GetSize();
     if (n == 0)
         return 1;
+    // A zero or non-finite diagonal: no sweep, x unchanged, -1 (reported as 0 sweeps).
+    bool bUsable = true;
+    for (int i = 0; i < n; i++)
+        if (*m_ppDiag[i] == 0.0 || !std::isfinite(*m_ppDiag[i]))
+            bUsable = false;
     if (n == 1) {
+        if (!bUsable)
+            return -1;
         x[0] = b[0] / (*this)(0, 0);
-        return 1;
+        return std::isfinite(x[0]) ? 1 : -1;
     }
+    if (!bUsable)
+        nMaxIter = 0;
     const LONG nStart = AfxClock();
     int nResult = -1;
     double dNorm = 0.0;
@@ -240,6 +257,10 @@ int CSkylineMatrix::GaussSeidel_Iter(CVector &b, CVector &x, double dTol, int nM
     }
     if (nResult != 1 && nSweeps > 0)
         y.SwitchVectors(&x); // x takes the newest iterate back
+    // A non-finite iterate hides from the norm; it is no solution.
+    for (int i = 0; nResult == 1 && i < n; i++)
+        if (!std::isfinite(x[i]))
+            nResult = -1;
     const LONG nEnd = AfxClock();
 
     char szText[512];

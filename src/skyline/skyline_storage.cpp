@@ -153,6 +153,7 @@ bool CSkylineMatrix::Allocate(CReorderMat &graph) {
 void CSkylineMatrix::ReadASCII(CFile *) {}
 
 void CSkylineMatrix::AddValues(LONG *pDOFs, double *pValues, int nDOFs) {
+    FEMMAT_CHECK_DOFS("CSkylineMatrix::AddValues", pDOFs, nDOFs, m_nRows);
     for (int i = 0; i < nDOFs; i++) {
         const int a = pDOFs[i];
         if (a < 0)

@@ -19,6 +19,10 @@
 //   right-hand side entry receives the same subtractions in the same order), but walks each
 //   stored row once instead of asking every later row whether it reaches up.
 // - The second Gauss-Seidel pass subtracts the terms one by one from x[i], as ForwSub does.
+// - GaussSeidel_Iter with a diagonal value among the first n that is 0.0, infinite or NaN
+//   runs no sweep, leaves x unchanged and yields -1; the report (for n of 2 or more) shows 0
+//   sweeps. A converged iterate that is not finite everywhere (NaN hides from the norm)
+//   also yields -1, with that iterate in x.
 // - Right-hand sides are CMatrix objects; their rows are addressed with the column count read
 //   once per call.
 #pragma once

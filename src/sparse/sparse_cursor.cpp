@@ -80,6 +80,7 @@ void CSparseMatrix::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pC
 // Sums the n by n row-major element matrix pValues at rows and columns pDOFs; negative
 // entries take no part. The first column of each element row is written even for 0.0.
 void CSparseMatrix::AddValues(LONG *pDOFs, double *pValues, int n) {
+    FEMMAT_CHECK_ELEMENT("CSparseMatrix::AddValues", pDOFs, n, -1);
     sparse_detail::CellScope cells(m_pCellPool);
     if (n < 1)
         return;

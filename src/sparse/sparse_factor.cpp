@@ -108,6 +108,7 @@ int CSparseMatrix::LU() {
 
 // Factorises by Cholesky and solves for every column of pB; m_Flops counts this solve alone.
 int CSparseMatrix::Cholesky_Solve(CVirtMat *pB, double &dTime) {
+    FEMMAT_CHECK_RHS("CSparseMatrix::Cholesky_Solve", pB, std::max(GetRows(), GetColumns()));
     CVirtMat::m_Flops = 0;
     LONG nStart = StartTiming(&dTime);
     int nResult = Cholesky();
@@ -124,6 +125,7 @@ int CSparseMatrix::Cholesky_Solve(CVirtMat *pB, double &dTime) {
 
 // Factorises by LU, solves for every column of pB and reports the three spans.
 int CSparseMatrix::LU_Solve(CVirtMat *pB, double &dTime) {
+    FEMMAT_CHECK_RHS("CSparseMatrix::LU_Solve", pB, std::max(GetRows(), GetColumns()));
     LONG nStart = StartTiming(&dTime);
     int nResult = LU();
     if (nResult != 1) {

@@ -8,10 +8,13 @@
 using namespace sparse_detail;
 
 void CSparseMatrix::UnifyAndZero(int nRow) {
+    FEMMAT_CHECK_INDEX("CSparseMatrix::UnifyAndZero", "row", nRow, -1);
     UnifyRow(nRow, 0.0, NULL);
 }
 
 void CSparseMatrix::UnifyAndZero(int nRow, double dValue, CVirtMat *pB) {
+    FEMMAT_CHECK_INDEX("CSparseMatrix::UnifyAndZero", "row", nRow, -1);
+    FEMMAT_CHECK_OPTIONAL_RHS("CSparseMatrix::UnifyAndZero", pB, std::max(nRow + 1, GetRows()));
     UnifyRow(nRow, dValue, pB);
 }
 

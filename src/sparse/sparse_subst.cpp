@@ -24,6 +24,7 @@ bool CSparseMatrix::RowsAreNumberedByPosition() {
 // diagonal). Modes -1, -2: solves U^T y = b with the cells right of the diagonal, the
 // diagonal being each row's first cell (-2 then divides by it).
 void CSparseMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSparseMatrix::ForwSub", pB, std::max(GetRows(), GetColumns()));
     CMatrix *B = static_cast<CMatrix *>(pB);
     int nc = B->GetColumns();
     if (nc == 0)
@@ -109,6 +110,7 @@ void CSparseMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
 // Modes 1: solves U x = y with the cells right of the diagonal, unit diagonal; 2: with the
 // diagonal as well. Walks the reversed row list and restores the order before returning.
 void CSparseMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSparseMatrix::BackwSub", pB, std::max(GetRows(), GetColumns()));
     LONG nStart = StartTiming(pTime);
     ReverseRows();
     if (nMode == 1 || nMode == 2) {
@@ -142,6 +144,7 @@ void CSparseMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
 // Modes 2 / -2 multiply / divide the rows of pB by the diagonal (a row without a diagonal
 // cell gives 0.0 / +inf); modes 1 / -1 multiply / divide the diagonal by column 0 of pB.
 void CSparseMatrix::DiagMult(CVirtMat *pB, double *pTime, int nMode) {
+    FEMMAT_CHECK_RHS("CSparseMatrix::DiagMult", pB, std::max(GetRows(), GetColumns()));
     CMatrix *B = static_cast<CMatrix *>(pB);
     int nc = B->GetColumns();
     if (nc == 0)

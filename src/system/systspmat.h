@@ -47,6 +47,11 @@
 // - GaussSeidel_Iter with nMaxIter <= 0 runs no sweep, yields -1 and reports nMaxIter as
 //   its (unsigned) iteration count. With vF of size 0 it sweeps over no rows (the symmetric
 //   path never reaches for a last row): a change of 0.0, below any positive dTol.
+// - GaussSeidel_Iter on a row without the diagonal it divides by (no cell at all, or in
+//   full storage none from column i on), or whose diagonal is 0.0, infinite or NaN: no
+//   sweep runs, vX is unchanged, the result is -1, and the report shows 0 sweeps and a
+//   norm of 0. A converged iterate that is not finite everywhere (NaN hides from the
+//   norm) also yields -1, with that iterate in vX.
 #pragma once
 
 #include "sparse/sparsematrix.h"

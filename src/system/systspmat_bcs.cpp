@@ -99,6 +99,7 @@ static void TakeColumnsOut(CSparseMatrix::row &R, const PrescribedByNumber &byNu
 // Full storage: first every row gives up the prescribed columns into pB, then the
 // prescribed rows become rows of the identity with the prescribed values in pB.
 void CSystSpMat::UnifyAndZero2(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
+    FEMMAT_CHECK_PRESCRIBED("CSystSpMat::UnifyAndZero2", vDOFs, vValues, pB, m_nTableRows);
     sparse_detail::CellScope cells(m_pCellPool);
     CMatrix &B = *static_cast<CMatrix *>(pB);
     const int m = vDOFs.GetSize();
@@ -124,6 +125,7 @@ void CSystSpMat::UnifyAndZero2(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
 // first (their cells right of the diagonal go without correction), then the other rows
 // give up the prescribed columns into pB.
 void CSystSpMat::SymUnifyAndZero(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
+    FEMMAT_CHECK_PRESCRIBED("CSystSpMat::SymUnifyAndZero", vDOFs, vValues, pB, m_nTableRows);
     sparse_detail::CellScope cells(m_pCellPool);
     CMatrix &B = *static_cast<CMatrix *>(pB);
     const int m = vDOFs.GetSize();
@@ -148,6 +150,7 @@ void CSystSpMat::SymUnifyAndZero(CVector &vDOFs, CVector &vValues, CVirtMat *pB)
 // Upper storage; mBC holds a number and one value per right-hand side in each row. The
 // link of row r with number d stands at (r, d) if d >= r, else at (d, r).
 void CSystSpMat::SymHandleBCs(CMatrix &mBC, CMatrix &mRHS) {
+    FEMMAT_CHECK_BC_TABLE("CSystSpMat::SymHandleBCs", mBC, mRHS, m_nTableRows);
     const int nBC = mBC.GetRows();
     if (nBC == 0)
         return;

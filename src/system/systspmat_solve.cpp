@@ -106,12 +106,38 @@ static double FullSweep(CSparseMatrix::row *pRows, int n, const double *pF, doub
     return dNorm;
 }
 
+// True when each of the first n rows has a diagonal as the sweeps take it (the first cell
+// in upper storage, else the first cell not left of column i) that is finite and not 0.0.
+static bool SweepDiagonalsUsable(const CSparseMatrix::row *pRows, int n, bool bSym) {
+    for (int i = 0; i < n; i++) {
+        const CSparseMatrix::cell *c = pRows[i].m_pFirstCell;
+        while (!bSym && c != NULL && c->m_nCol < i)
+            c = c->m_pNext;
+        if (c == NULL || c->m_dValue == 0.0 || !std::isfinite(c->m_dValue))
+            return false;
+    }
+    return true;
+}
+
+static bool AllFinite(const double *p, int n) {
+    for (int i = 0; i < n; i++)
+        if (!std::isfinite(p[i]))
+            return false;
+    return true;
+}
+
 // Gauss-Seidel from the start vector vX until a sweep changes no component by dTol or
 // more; vX receives the last iterate. 1 if converged, else -1; the report is always shown.
 int CSystSpMat::GaussSeidel_Iter(CVector &vF, CVector &vX, double dTol, int nMaxIter) {
+    FEMMAT_CHECK_SIZE("CSystSpMat::GaussSeidel_Iter", "the number of rows", m_nTableRows,
+                      vF.GetSize());
+    FEMMAT_CHECK_SIZE("CSystSpMat::GaussSeidel_Iter", "the size of vX", vX.GetSize(), vF.GetSize());
     const int n = vF.GetSize();
     double dNorm = 0.0;
     int nResult = -1;
+    // No usable diagonal: no sweep, vX unchanged, -1, and the report shows 0 sweeps.
+    if (!SweepDiagonalsUsable(m_pRowTable, n, CVirtMat::m_bSym))
+        nMaxIter = 0;
     int nIter = nMaxIter;
     LONG nStart = AfxClock();
 
@@ -145,6 +171,10 @@ int CSystSpMat::GaussSeidel_Iter(CVector &vF, CVector &vX, double dTol, int nMax
             }
         }
     }
+
+    // A non-finite iterate hides from the norm; it is no solution.
+    if (nResult == 1 && !AllFinite(vX.GetVector(), n))
+        nResult = -1;
 
     // Report.
     double dSeconds = (double)(LONG)((ULONG)AfxClock() - (ULONG)nStart) * 0.001;

@@ -141,6 +141,7 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell
 }
 
 void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
+    FEMMAT_CHECK_ELEMENT("CSystSpMat::AddValues", pDOFs, n, m_nTableRows);
     sparse_detail::CellScope cells(m_pCellPool);
     if (n < 1)
         return;

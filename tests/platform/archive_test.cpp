@@ -54,3 +54,41 @@ TEST(CArchive, CloseLeavesTheFileBehindTheLastByteHandedOut) {
     }
     EXPECT_EQ(f.GetPosition(), 12u);
 }
+
+// What is left counts the bytes read ahead and those behind the file's position, in memory
+// and on disk; a count beyond it is refused before anything is read. A class name longer
+// than the archive is refused the same way.
+TEST(CArchive, BytesLeftBoundAnyCount) {
+    TempPath path;
+    {
+        CFile out(path.c_str(), CFile::modeCreate | CFile::modeWrite);
+        out.Write("0123456789abcdef", 16);
+    }
+    CFile disk(path.c_str(), CFile::modeRead);
+    CMemFile mem("0123456789abcdef", 16);
+    for (CFile *pFile : {(CFile *)&disk, (CFile *)&mem}) {
+        pFile->Seek(2, CFile::begin);
+        CArchive ar(pFile, CArchive::load, 8);
+        EXPECT_EQ(ar.GetBytesLeft(), 14u);
+        BYTE b;
+        ar >> b; // reads 8 ahead
+        EXPECT_EQ(ar.GetBytesLeft(), 13u);
+        ar.CheckAvailable(13, 1);
+        ar.CheckAvailable(6, 2);
+        EXPECT_EQ(ArchiveCause([&] { ar.CheckAvailable(7, 2); }), CArchiveException::endOfFile);
+        EXPECT_EQ(ArchiveCause([&] { ar.CheckAvailable(0xFFFFFFFFFFFFFFFFull, 8); }),
+                  CArchiveException::endOfFile);
+        ar.CheckAvailable(0, 8);
+        ar >> b;
+        EXPECT_EQ(b, '3');
+    }
+    CMemFile store;
+    CArchive writing(&store, CArchive::store);
+    EXPECT_EQ(ArchiveCause([&] { writing.GetBytesLeft(); }), CArchiveException::writeOnly);
+
+    const char record[] = "\xFF\xFF\x01\x00\xFF\xFF"
+                          "CVector";
+    CMemFile named(record, sizeof record - 1);
+    CArchive ar(&named, CArchive::load);
+    EXPECT_EQ(ArchiveCause([&] { ar.ReadObject(NULL); }), CArchiveException::endOfFile);
+}

