@@ -80,6 +80,11 @@ struct Run {
         err << "femsolve: " << what << "\n";
         return status;
     }
+    std::string TooLarge(Road &road) {
+        return Format("the skyline of %lld values does not fit; choose another --numbering "
+                      "or --storage system",
+                      road.m_nProfile);
+    }
     void Fact(const char *name, const std::string &text) { facts.push_back({name, text}); }
 
     void Summary(const std::string &title) {
@@ -99,7 +104,7 @@ struct Run {
     void RoadFacts(Road &road, int nEq, int nFixed, int nDOFs) {
         Fact("unknowns", Format("%d, prescribed %d, equations %d", nDOFs, nFixed, nEq));
         Fact("numbering",
-             Format("%s: bandwidth %d -> %d, envelope %d -> %d", opt.numbering.c_str(),
+             Format("%s: bandwidth %lld -> %lld, envelope %lld -> %lld", opt.numbering.c_str(),
                     road.m_nBandBefore, road.m_nBandAfter, road.m_nEnvBefore, road.m_nEnvAfter));
         Fact("storage", Format("%s: %ld cells assembled, %ld after factorisation",
                                opt.storage.c_str(), road.m_nCellsAssembled, road.m_nCellsFactor));
@@ -355,7 +360,7 @@ int RunMesh(Run &run) {
     road.Number();
     run.steps.Begin("pattern");
     if (!road.Pattern())
-        return run.Error(kExitSingular, "not enough memory for the skyline");
+        return run.Error(kExitTooLarge, run.TooLarge(road));
 
     // 4. Assembly, with the prescribed values lifted into the load unless eliminated.
     run.steps.Begin("assembly");
@@ -582,7 +587,7 @@ int RunMatrix(Run &run) {
     road.Number();
     run.steps.Begin("pattern");
     if (!road.Pattern())
-        return run.Error(kExitSingular, "not enough memory for the skyline");
+        return run.Error(kExitTooLarge, run.TooLarge(road));
     run.steps.Begin("assembly");
     for (size_t k = 0; k < A.values.size(); k++)
         if (counts(k))

@@ -35,6 +35,7 @@ enum ExitStatus {
     kExitSingular = 5,     // the system is singular (or not positive definite)
     kExitNotConverged = 6, // the iterative solver ran out of iterations
     kExitWrite = 7,        // an output file cannot be written
+    kExitTooLarge = 8,     // the skyline does not fit
 };
 
 struct FemOptions {

@@ -256,7 +256,8 @@ struct Reader {
         for (long b = 0; b < nBlocks; b++) {
             int nDim, nEntity, nParam;
             long n;
-            if (!s.Int(nDim) || !s.Int(nEntity) || !s.Int(nParam, 0, 1) || !Count(n, 8, "node"))
+            if (!s.Int(nDim, 0, 3) || !s.Int(nEntity) || !s.Int(nParam, 0, 1) ||
+                !Count(n, 8, "node"))
                 return Fail("bad node block");
             std::vector<long> tags(n);
             for (long &t : tags)

@@ -211,6 +211,7 @@ std::string HelpText() {
          "  -q, --quiet            no summary\n"
          "\n"
          "exit status: 0 solved, 1 bad command line, 2 missing file, 3 malformed input,\n"
-         "4 unknown physical group, 5 singular system, 6 no convergence, 7 write error\n";
+         "4 unknown physical group, 5 singular system, 6 no convergence, 7 write error,\n"
+         "8 the skyline does not fit in memory\n";
     return h;
 }

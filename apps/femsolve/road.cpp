@@ -2,7 +2,9 @@
 #include "road.h"
 #include "choices.h"
 
+#include <algorithm>
 #include <cmath>
+#include <unistd.h>
 
 Road::Road(const FemOptions &opt, int nEq, int nRhs)
     : m_opt(opt), m_nEq(nEq), m_nRhs(nRhs), m_bSkyline(opt.storage == "skyline"), m_graph(1),
@@ -16,19 +18,47 @@ void Road::Graph(const ElementWalk &walk) {
     walk([&](LONG *p, int n) { m_graph.InsertDOFs(p, 1, n); });
 }
 
+// Bandwidth and envelope as the library measures them, summed in 64 bits: on a large mesh
+// with a poor numbering the envelope passes the int that Env yields.
+void Road::Measure(long long &nBand, long long &nEnv) {
+    nBand = nEnv = 0;
+    for (int v = 0; v < m_nEq; v++) {
+        long long b = 0;
+        for (int k = 0; k < m_graph.m_pRowSizes[v]; k++)
+            b = std::max(b,
+                         (long long)std::abs(m_graph.f_v(m_graph.m_ppRows[v][k]) - m_graph.f_v(v)));
+        nBand = std::max(nBand, b);
+        nEnv += b;
+    }
+}
+
 void Road::Number() {
-    m_nEnvBefore = m_graph.Env(&m_nBandBefore);
+    Measure(m_nBandBefore, m_nEnvBefore);
     const NumberingChoice *p = FindNumbering(m_opt.numbering);
     if (p && p->run)
         p->run(m_graph);
     m_graph.PostReorder();
-    m_nEnvAfter = m_graph.Env(&m_nBandAfter);
+    Measure(m_nBandAfter, m_nEnvAfter);
 }
 
 bool Road::Pattern() {
     // The system matrix spends the graph's rows; the labels stay readable.
-    if (m_bSkyline)
+    if (m_bSkyline) {
+        // The skyline counts its values in an int, and a profile larger than half the
+        // memory would only swap: refuse both before allocating.
+        long long nProfile = 0;
+        for (int v = 0; v < m_nEq; v++) {
+            int l = m_graph.f_v(v), nLow = l;
+            for (int k = 0; k < m_graph.m_pRowSizes[v]; k++)
+                nLow = std::min(nLow, m_graph.f_v(m_graph.m_ppRows[v][k]));
+            nProfile += l - nLow + 1;
+        }
+        m_nProfile = nProfile;
+        long long nMemory = (long long)sysconf(_SC_PHYS_PAGES) * sysconf(_SC_PAGE_SIZE);
+        if (nProfile > 0x7fffffffLL || (nMemory > 0 && nProfile * 8 > nMemory / 2))
+            return false;
         return m_sky.Allocate(m_graph);
+    }
     m_sys.Allocate(m_graph);
     return true;
 }

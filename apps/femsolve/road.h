@@ -22,7 +22,8 @@ public:
     // Graph and numbering; measures of the numbering before and after.
     void Graph(const ElementWalk &walk);
     void Number();
-    // Pattern from the numbered graph. False if the skyline cannot be allocated.
+    // Pattern from the numbered graph. False if the skyline cannot be allocated (its size
+    // is then in m_nProfile).
     bool Pattern();
 
     LONG Label(int eq) { return eq < 0 ? -1 : (LONG)m_graph.f_v(eq); }
@@ -44,11 +45,13 @@ public:
     double Solution(int eq, int c) { return Rhs(eq, c); }
 
     // Facts for the summary.
-    int m_nBandBefore = 0, m_nEnvBefore = 0, m_nBandAfter = 0, m_nEnvAfter = 0;
+    long long m_nBandBefore = 0, m_nEnvBefore = 0, m_nBandAfter = 0, m_nEnvAfter = 0;
     long m_nCellsAssembled = 0, m_nCellsFactor = 0;
+    long long m_nProfile = 0;
 
 private:
     long CountCells();
+    void Measure(long long &nBand, long long &nEnv);
     std::vector<double> Diagonal();
 
     const FemOptions &m_opt;
