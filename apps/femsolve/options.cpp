@@ -205,7 +205,7 @@ std::string HelpText() {
          "output\n"
          "  -o, --vtu FILE         solution for ParaView (default: MESH with .vtu)\n"
          "  --solution FILE        solution as Matrix Market (system input)\n"
-         "  --export FILE          the constrained system as FILE (matrix) and FILE_rhs.mtx\n"
+         "  --export FILE.mtx      the constrained system, its loads beside it in FILE_rhs.mtx\n"
          "  --script FILE          keep the reorderers' Matlab script there\n"
          "  -v, --verbose          also print the library's timing reports\n"
          "  -q, --quiet            no summary\n"
