@@ -135,7 +135,8 @@ void BM_WholeRunAgainstEigen(benchmark::State &state) {
 #ifdef FEMSOLVE_BENCH_EIGEN
         // The same assembled and constrained system, from femsolve's export.
         std::vector<std::string> args = Args(mesh);
-        args.insert(args.end(), {"--export", Temp("system.mtx"), "--numbering", "none"});
+        args.insert(args.end(), {"--export", Temp("system.mtx"), "--no-solve", "--numbering",
+                                 "none", "--storage", "system"});
         if (Femsolve(args) != 0) {
             state.SkipWithError("export failed");
             return;

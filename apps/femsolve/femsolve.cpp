@@ -362,6 +362,8 @@ int RunMesh(Run &run) {
             !WriteMtxArray(rhsPath, nEq, 1, rhs))
             return run.Error(kExitWrite, "cannot write " + opt.exportPath);
     }
+    if (opt.noSolve)
+        return kExitOk;
 
     // 6. Solve.
     run.steps.Begin("solve");

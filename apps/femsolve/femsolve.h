@@ -56,6 +56,7 @@ struct FemOptions {
     double tol = 1e-10;
     int maxIter = 100000;
     double meshSize = 0.0; // for .geo input
+    bool noSolve = false;  // stop after --export
     bool verbose = false;  // also print the library's reports
     bool quiet = false;    // no summary
     bool help = false;

@@ -101,6 +101,8 @@ int RunMatrix(Run &run) {
             !WriteMtxArray(WithoutExtension(opt.exportPath) + "_rhs.mtx", n, nRhs, rhs))
             return run.Error(kExitWrite, "cannot write " + opt.exportPath);
     }
+    if (opt.noSolve)
+        return kExitOk;
     run.steps.Begin("solve");
     std::string why;
     status = road.Solve(why);

@@ -130,6 +130,8 @@ bool ParseOptions(int argc, char **argv, FemOptions &opt, std::string &error) {
         } else if (a == "--mesh-size") {
             if (!real(opt.meshSize))
                 return false;
+        } else if (a == "--no-solve") {
+            opt.noSolve = true;
         } else if (a == "-v" || a == "--verbose") {
             opt.verbose = true;
         } else if (a == "-q" || a == "--quiet") {
@@ -206,6 +208,7 @@ std::string HelpText() {
          "  -o, --vtu FILE         solution for ParaView (default: MESH with .vtu)\n"
          "  --solution FILE        solution as Matrix Market (system input)\n"
          "  --export FILE.mtx      the constrained system, its loads beside it in FILE_rhs.mtx\n"
+         "  --no-solve             stop after --export\n"
          "  --script FILE          keep the reorderers' Matlab script there\n"
          "  -v, --verbose          also print the library's timing reports\n"
          "  -q, --quiet            no summary\n"
