@@ -128,9 +128,9 @@ void ElementCoords(const Mesh &mesh, int el, double *pXYZ) {
 }
 
 #ifdef FEMSOLVE_HAVE_GMSH
-// Meshes a .geo (or converts any mesh gmsh reads) into 4.1 ASCII text.
-bool GmshToText(const std::string &path, double dSize, bool bGenerate, std::string &text,
-                std::string &error) {
+// Meshes a .geo into 4.1 ASCII text. Meshes themselves go to the built-in reader, which is
+// fuzzed and whose errors femsolve can name.
+bool GmshToText(const std::string &path, double dSize, std::string &text, std::string &error) {
     char tmp[] = "/tmp/femsolve_XXXXXX.msh";
     int fd = mkstemps(tmp, 4);
     if (fd < 0) {
@@ -143,11 +143,9 @@ bool GmshToText(const std::string &path, double dSize, bool bGenerate, std::stri
         gmsh::initialize();
         gmsh::option::setNumber("General.Terminal", 0);
         gmsh::open(path);
-        if (bGenerate) {
-            if (dSize > 0)
-                gmsh::option::setNumber("Mesh.MeshSizeMax", dSize);
-            gmsh::model::mesh::generate(gmsh::model::getDimension());
-        }
+        if (dSize > 0)
+            gmsh::option::setNumber("Mesh.MeshSizeMax", dSize);
+        gmsh::model::mesh::generate(gmsh::model::getDimension());
         gmsh::option::setNumber("Mesh.MshFileVersion", 4.1);
         gmsh::option::setNumber("Mesh.Binary", 0);
         gmsh::write(tmp);
@@ -169,22 +167,14 @@ int LoadMesh(Run &run, Mesh &mesh) {
         return run.Error(kExitNoFile, "cannot open " + path);
 #ifdef FEMSOLVE_HAVE_GMSH
     if (EndsWith(path, ".geo")) {
-        if (!GmshToText(path, run.opt.meshSize, true, text, error))
+        if (!GmshToText(path, run.opt.meshSize, text, error))
             return run.Error(kExitBadInput, error);
     } else
 #endif
         if (!ReadText(path, text))
         return run.Error(kExitNoFile, "cannot read " + path);
-    if (!ReadMsh(text, mesh, error)) {
-#ifdef FEMSOLVE_HAVE_GMSH
-        // What the built-in reader does not know, gmsh may: binary files, older versions.
-        std::string converted, why;
-        if (text.compare(0, 11, "$MeshFormat") == 0 && GmshToText(path, 0, false, converted, why) &&
-            ReadMsh(converted, mesh, why))
-            return kExitOk;
-#endif
+    if (!ReadMsh(text, mesh, error))
         return run.Error(kExitBadInput, path + ": " + error);
-    }
     return kExitOk;
 }
 
