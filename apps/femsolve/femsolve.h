@@ -17,6 +17,11 @@
 // - The residual is max|K u - f| over the unknowns that are not prescribed, relative to the
 //   larger of max|f| and max sum|K_ij u_j| there, computed from the element matrices again,
 //   so that it checks the whole road and not only the last solve.
+// - A Matrix Market system must be symmetric: a general file is checked entry by entry, and
+//   one triangle is used. Without --rhs the right-hand side is A times ones, so that the
+//   summary can show the error of the solution as well.
+// - gmsh's API, when it was found, meshes .geo files; a .msh always goes to the built-in
+//   reader, which is fuzzed and names what is wrong with a file.
 #pragma once
 
 #include "elements.h"
