@@ -3,19 +3,6 @@
 
 namespace {
 
-void MinDeg1(CReorderMat &g) {
-    g.MinDegReorder(NULL);
-}
-void MinDeg2(CReorderMat &g) {
-    g.MinDegReorder2();
-}
-void MinDeg3(CReorderMat &g) {
-    g.MinDegReorder3();
-}
-void MinDeg4(CReorderMat &g) {
-    g.MinDegReorder4();
-}
-
 // Gauss-Seidel takes one right-hand side at a time, as vectors.
 template <class M> int GaussSeidelColumns(M &A, CMatrix &B, double dTol, int nMaxIter) {
     int n = B.GetRows(), nCols = n ? B.GetColumns() : 0;
@@ -34,15 +21,22 @@ template <class M> int GaussSeidelColumns(M &A, CMatrix &B, double dTol, int nMa
 
 } // namespace
 
+// One line per numbering of the library.
 const NumberingChoice kNumberings[] = {
     {"none", "the mesh's own node order", NULL},
-    {"mindeg", "minimum degree on the starting degrees (MinDegReorder)", MinDeg1},
-    {"mindeg2", "minimum degree, degrees lowered as neighbours are numbered", MinDeg2},
-    {"mindeg3", "nearest neighbour numbers to the next label (MinDegReorder3)", MinDeg3},
-    {"mindeg4", "minimum degree with true elimination and fill (MinDegReorder4)", MinDeg4},
+    {"mindeg", "minimum degree on the starting degrees (MinDegReorder)",
+     [](CReorderMat &g) { g.MinDegReorder(NULL); }},
+    {"mindeg2", "minimum degree, degrees lowered as neighbours are numbered",
+     [](CReorderMat &g) { g.MinDegReorder2(); }},
+    {"mindeg3", "nearest neighbour numbers to the next label (MinDegReorder3)",
+     [](CReorderMat &g) { g.MinDegReorder3(); }},
+    {"mindeg4", "minimum degree with true elimination and fill (MinDegReorder4)",
+     [](CReorderMat &g) { g.MinDegReorder4(); }},
     {NULL, NULL, NULL},
 };
 
+// One line per solver; the conjugate gradients join as
+//   {"cg", "conjugate gradients with diagonal scaling", ConjGradientSystem, NULL},
 const SolverChoice kSolvers[] = {
     {"cholesky", "root-free Cholesky, every load case at once", CholeskySystem, CholeskySkyline},
     {"gauss-seidel", "Gauss-Seidel iteration to --tol", GaussSeidelSystem, GaussSeidelSkyline},
