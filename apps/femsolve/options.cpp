@@ -22,6 +22,12 @@ bool Assignment(const std::string &s, std::pair<std::string, std::string> &out) 
     return true;
 }
 
+// Spaces that fill a name out to a column, one at least.
+std::string Pad(const char *pszName, size_t nWidth) {
+    size_t n = strlen(pszName);
+    return std::string(n < nWidth ? nWidth - n : 1, ' ');
+}
+
 } // namespace
 
 bool ParseOptions(int argc, char **argv, FemOptions &opt, std::string &error) {
@@ -188,20 +194,17 @@ std::string HelpText() {
         "method\n";
     h += "  --numbering NAME       (mindeg4)\n";
     for (const NumberingChoice *p = kNumberings; p->name; p++)
-        h += "      " + std::string(p->name) + std::string(12 - strlen(p->name), ' ') + p->help +
-             "\n";
+        h += "      " + std::string(p->name) + Pad(p->name, 12) + p->help + "\n";
     h += "  --storage NAME         (system)\n";
     for (const NamedChoice *p = kStorages; p->name; p++)
-        h += "      " + std::string(p->name) + std::string(12 - strlen(p->name), ' ') + p->help +
-             "\n";
+        h += "      " + std::string(p->name) + Pad(p->name, 12) + p->help + "\n";
     h += "  --solver NAME          (cholesky)\n";
     for (const SolverChoice *p = kSolvers; p->name; p++)
-        h += "      " + std::string(p->name) + std::string(14 - strlen(p->name), ' ') + p->help +
+        h += "      " + std::string(p->name) + Pad(p->name, 14) + p->help +
              (p->skyline ? "" : "; system storage only") + "\n";
     h += "  --prescribed NAME      (eliminate)\n";
     for (const NamedChoice *p = kPrescribed; p->name; p++)
-        h += "      " + std::string(p->name) + std::string(12 - strlen(p->name), ' ') + p->help +
-             "\n";
+        h += "      " + std::string(p->name) + Pad(p->name, 12) + p->help + "\n";
     h += "  --tol TOL --max-iter N iterative solvers' tolerance (1e-10) and limit (100000)\n"
          "\n"
          "output\n"
