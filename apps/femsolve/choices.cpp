@@ -32,14 +32,25 @@ const NumberingChoice kNumberings[] = {
      [](CReorderMat &g) { g.MinDegReorder3(); }},
     {"mindeg4", "minimum degree with true elimination and fill (MinDegReorder4)",
      [](CReorderMat &g) { g.MinDegReorder4(); }},
+    {"hager1", "Hager's numbering from the last label down, most numbered neighbours first",
+     [](CReorderMat &g) { g.Hager1(); }},
+    {"hager2", "Hager's numbering by the largest score S_k", [](CReorderMat &g) { g.Hager2(); }},
+    {"hager3", "Hager's numbering by scores kept up to date", [](CReorderMat &g) { g.Hager3(); }},
+    {"rcm", "reverse Cuthill-McKee: small bandwidth and profile, for the skyline",
+     [](CReorderMat &g) { g.ReverseCuthillMcKee(); }},
+    {"sloan", "Sloan's profile reduction", [](CReorderMat &g) { g.SloanReorder(); }},
+#ifdef FEMMAT_HAS_AMD
+    {"amd", "approximate minimum degree (SuiteSparse): least fill, for the system matrix",
+     [](CReorderMat &g) { g.AMDReorder(); }},
+#endif
     {NULL, NULL, NULL},
 };
 
-// One line per solver; the conjugate gradients join as
-//   {"cg", "conjugate gradients with diagonal scaling", ConjGradientSystem, NULL},
+// One line per solver; NULL where a storage has no such solver.
 const SolverChoice kSolvers[] = {
     {"cholesky", "root-free Cholesky, every load case at once", CholeskySystem, CholeskySkyline},
     {"gauss-seidel", "Gauss-Seidel iteration to --tol", GaussSeidelSystem, GaussSeidelSkyline},
+    {"cg", "conjugate gradients with diagonal scaling to --tol", ConjGradientSystem, NULL},
     {NULL, NULL, NULL, NULL},
 };
 

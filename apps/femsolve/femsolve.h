@@ -49,7 +49,12 @@ struct FemOptions {
     std::string problem = "poisson";
     std::vector<std::pair<std::string, std::string>> fixes; // group[:x|:y] -> value(s)
     std::vector<std::pair<std::string, std::string>> loads; // group -> value(s)
+    // The least fill the library offers: AMD when it is built with it.
+#ifdef FEMMAT_HAS_AMD
+    std::string numbering = "amd";
+#else
     std::string numbering = "mindeg4";
+#endif
     std::string storage = "system";
     std::string solver = "cholesky";
     std::string bc = "eliminate";

@@ -192,7 +192,7 @@ std::string HelpText() {
 #endif
         "\n"
         "method\n";
-    h += "  --numbering NAME       (mindeg4)\n";
+    h += "  --numbering NAME       (" + FemOptions().numbering + ")\n";
     for (const NumberingChoice *p = kNumberings; p->name; p++)
         h += "      " + std::string(p->name) + Pad(p->name, 12) + p->help + "\n";
     h += "  --storage NAME         (system)\n";
