@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -34,6 +35,27 @@ void OnFree(const volatile void *) {}
 [[noreturn]] void Finding(const char *pszWhat) {
     fprintf(stderr, "finding: %s\n", pszWhat);
     abort();
+}
+
+// Deletes the objects and everything their containers hold, each object once: the entries
+// of an object container are the loader's to delete, may be shared, and may be the
+// container itself.
+void DeleteGraph(std::vector<CObject *> pending) {
+    std::unordered_set<CObject *> seen;
+    while (!pending.empty()) {
+        CObject *pOb = pending.back();
+        pending.pop_back();
+        if (pOb == NULL || !seen.insert(pOb).second)
+            continue;
+        if (CObjVect *pVect = dynamic_cast<CObjVect *>(pOb))
+            for (int i = 0; i < pVect->m_nSize; i++)
+                pending.push_back(pVect->m_ppObjects[i]);
+        if (CObjMat *pMat = dynamic_cast<CObjMat *>(pOb))
+            for (int k = 0; pMat->m_ppObjects && k < pMat->m_nRows * pMat->m_nColumns; k++)
+                pending.push_back(pMat->m_ppObjects[k]);
+    }
+    for (CObject *pOb : seen)
+        delete pOb;
 }
 
 std::vector<BYTE> Stored(CObject *pOb) {
@@ -59,7 +81,7 @@ void CheckRoundTrip(CObject *pOb) {
     }
     if (Stored(pFresh) != bytes)
         Finding("a loaded object stores other bytes");
-    delete pFresh;
+    DeleteGraph({pFresh});
 }
 
 // An object of the class shaped by nSize through the frame's sizing, as a host leaves it.
@@ -102,10 +124,9 @@ void LoadRecords(CArchive &ar, const CRuntimeClass *pExpected, int nMax) {
     } catch (CException &) {
     }
     s_bCounting = false;
-    for (int i = 0; i < n; i++) {
+    for (int i = 0; i < n; i++)
         CheckRoundTrip(loaded[i]);
-        delete loaded[i];
-    }
+    DeleteGraph(std::vector<CObject *>(loaded, loaded + n));
 }
 
 void WriteSeed(const std::string &dir, const std::string &name, const std::vector<BYTE> &bytes) {
@@ -192,7 +213,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
             int sizes[] = {2, 2};
             pMat->Allocate(sizes, 1);
         }
-        delete pTarget;
+        DeleteGraph({pTarget});
     } else {
         LoadRecords(ar, pClass, nWay == 0 ? 64 : 1);
     }

@@ -25,7 +25,7 @@ struct complex_d {
 
     // --- in place; each returns the object ---
     complex_d &operator=(double d);
-    complex_d &operator=(const complex_d &z) = default;
+    // operator=(complex_d) is the implicit copy assignment.
     complex_d &operator()(double dReal, double dImag);
     complex_d &operator+=(double d);
     complex_d &operator-=(double d);

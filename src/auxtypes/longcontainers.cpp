@@ -186,7 +186,7 @@ void CLongMatrix::GetPointerMat(CLongMatrix &out, int nBase) {
 int CLongMatrix::FindInCol(int nCol, LONG nValue, int nStartRow) const {
     if (m_nColumns <= 0)
         return -1;
-    const int nEnd = m_nRows * m_nColumns;
+    const int nEnd = Count();
     for (int k = nStartRow * m_nColumns + nCol; k < nEnd; k += m_nColumns)
         if (m_pVector[k] == nValue)
             return k / m_nColumns;
@@ -206,18 +206,17 @@ CLongMatrix &CLongMatrix::operator=(const CLongMatrix &other) {
         return *this;
     Allocate(other.m_nRows, other.m_nColumns, false, 0);
     if (m_pVector != NULL)
-        std::copy(other.m_pVector, other.m_pVector + m_nRows * m_nColumns, m_pVector);
+        std::copy(other.m_pVector, other.m_pVector + Count(), m_pVector);
     return *this;
 }
 
 CLongMatrix &CLongMatrix::operator=(LONG nValue) {
-    if (m_pVector != NULL)
-        std::fill(m_pVector, m_pVector + m_nRows * m_nColumns, nValue);
+    std::fill(m_pVector, m_pVector + Count(), nValue);
     return *this;
 }
 
 CLongMatrix &CLongMatrix::operator+=(LONG nValue) {
-    for (int k = 0; m_pVector != NULL && k < m_nRows * m_nColumns; k++)
+    for (int k = 0; k < Count(); k++)
         m_pVector[k] += nValue;
     return *this;
 }
@@ -244,7 +243,7 @@ void CLongMatrix::WriteASCII(CFile *pFile, CString strPrefix, CString strSuffix,
 void CLongMatrix::Serialize(CArchive &ar) {
     if (ar.IsStoring()) {
         ar << (LONG)m_nRows << (LONG)m_nColumns;
-        for (int k = 0; k < m_nRows * m_nColumns; k++)
+        for (int k = 0; k < Count(); k++)
             ar << m_pVector[k];
         return;
     }
@@ -253,6 +252,6 @@ void CLongMatrix::Serialize(CArchive &ar) {
     if (nRows > 0 && nColumns > 0)
         ar.CheckAvailable((ULONGLONG)nRows * (ULONGLONG)nColumns, sizeof(LONG));
     Allocate(nRows, nColumns, false, 0);
-    for (int k = 0; m_pVector != NULL && k < m_nRows * m_nColumns; k++)
+    for (int k = 0; k < Count(); k++)
         ar >> m_pVector[k];
 }

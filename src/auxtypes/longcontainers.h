@@ -90,4 +90,8 @@ public:
     int m_nRows;
     int m_nColumns;
     LONG *m_pVector; // owned, new[], row-major; NULL unless both counts are above 0
+
+private:
+    // Elements in the array: 0 without one, whatever the counts say after a refused load.
+    int Count() const { return m_pVector ? m_nRows * m_nColumns : 0; }
 };

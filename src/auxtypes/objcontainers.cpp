@@ -96,8 +96,8 @@ CObjMat::~CObjMat() {
 }
 
 void CObjMat::Allocate(int nRows, int nColumns, bool bInit, CObject *pValue) {
-    ResizeEntries(m_ppObjects, (long long)m_nRows * m_nColumns, (long long)nRows * nColumns,
-                  nRows > 0 && nColumns > 0);
+    const long long n = (long long)nRows * nColumns;
+    ResizeEntries(m_ppObjects, Count(), n, nRows > 0 && nColumns > 0 && n <= 0x7FFFFFFF);
     m_nRows = nRows;
     m_nColumns = nColumns;
     if (bInit)
@@ -113,20 +113,20 @@ void CObjMat::Allocate(int nRows, int nColumns, CRuntimeClass *pClass) {
 }
 
 CObjMat &CObjMat::operator=(CObject *pValue) {
-    for (int k = 0; m_ppObjects != NULL && k < m_nRows * m_nColumns; k++)
+    for (int k = 0; k < Count(); k++)
         m_ppObjects[k] = pValue;
     return *this;
 }
 
 void CObjMat::DeleteEntries() {
     if (m_ppObjects != NULL)
-        DeleteDistinct(m_ppObjects, (long long)m_nRows * m_nColumns);
+        DeleteDistinct(m_ppObjects, Count());
 }
 
 void CObjMat::Serialize(CArchive &ar) {
     if (ar.IsStoring()) {
         ar << (LONG)m_nColumns << (LONG)m_nRows;
-        for (int k = 0; k < m_nRows * m_nColumns; k++)
+        for (int k = 0; k < Count(); k++)
             ar.WriteObject(m_ppObjects[k]);
         return;
     }
@@ -135,6 +135,6 @@ void CObjMat::Serialize(CArchive &ar) {
     if (nRows > 0 && nColumns > 0)
         CheckRecords(ar, (long long)nRows * nColumns);
     Allocate(nRows, nColumns, true, NULL);
-    for (int k = 0; m_ppObjects != NULL && k < m_nRows * m_nColumns; k++)
+    for (int k = 0; k < Count(); k++)
         m_ppObjects[k] = ar.ReadObject(NULL);
 }

@@ -65,4 +65,8 @@ public:
     int m_nRows;
     int m_nColumns;
     CObject **m_ppObjects; // owned, new[], row-major; NULL when empty
+
+private:
+    // Entries in the array: 0 without one, whatever the counts say after a refused load.
+    int Count() const { return m_ppObjects ? m_nRows * m_nColumns : 0; }
 };

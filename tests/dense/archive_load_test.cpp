@@ -16,6 +16,17 @@ void *operator new[](std::size_t nBytes) {
         throw std::bad_alloc();
     return ::operator new(nBytes);
 }
+// The nothrow form (CVector::Allocate's) obeys the same limit and pairs with the same delete.
+void *operator new[](std::size_t nBytes, const std::nothrow_t &) noexcept {
+    try {
+        return operator new[](nBytes);
+    } catch (std::bad_alloc &) {
+        return nullptr;
+    }
+}
+void operator delete[](void *p, const std::nothrow_t &) noexcept {
+    ::operator delete(p);
+}
 void operator delete[](void *p) noexcept {
     ::operator delete(p);
 }

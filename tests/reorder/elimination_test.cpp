@@ -179,6 +179,9 @@ static bool IsPermutation(Longs labels) {
 }
 
 TEST(EliminatingMinDegree, RepeatedDegreesOfFreedomStillGiveAPermutation) {
+#ifdef FEMMAT_CHECKED
+    GTEST_SKIP() << "the checked build refuses a dof listed twice in one element";
+#endif
     ScriptDir dir;
     ReportRecorder reports;
     // One dof listed twice; a repeat among others; a grid of quads collapsed to triangles
