@@ -6,7 +6,7 @@
 #include <new>
 
 // Array requests above the limit fail as from an exhausted heap; the largest request is
-// kept. Scalar new and delete stay the platform's, so these pair with each other.
+// kept. All array forms go to the scalar ones, so that every array pairs with its delete.
 static size_t s_nArrayLimit = SIZE_MAX;
 static size_t s_nLargestArray = 0;
 void *operator new[](std::size_t nBytes) {
@@ -15,6 +15,14 @@ void *operator new[](std::size_t nBytes) {
     if (nBytes > s_nArrayLimit)
         throw std::bad_alloc();
     return ::operator new(nBytes);
+}
+void *operator new[](std::size_t nBytes, const std::nothrow_t &) noexcept {
+    if (nBytes > s_nLargestArray)
+        s_nLargestArray = nBytes;
+    return nBytes > s_nArrayLimit ? nullptr : ::operator new(nBytes, std::nothrow);
+}
+void operator delete[](void *p, const std::nothrow_t &) noexcept {
+    ::operator delete(p);
 }
 void operator delete[](void *p) noexcept {
     ::operator delete(p);
