@@ -6,7 +6,7 @@
 #include <new>
 
 // Array requests above the limit fail as from an exhausted heap; the largest request is
-// kept. Scalar new and delete stay the platform's, so these pair with each other.
+// kept. All array forms go to the scalar ones, so that every array pairs with its delete.
 static size_t s_nArrayLimit = SIZE_MAX;
 static size_t s_nLargestArray = 0;
 void *operator new[](std::size_t nBytes) {
@@ -16,13 +16,10 @@ void *operator new[](std::size_t nBytes) {
         throw std::bad_alloc();
     return ::operator new(nBytes);
 }
-// The nothrow form (CVector::Allocate's) obeys the same limit and pairs with the same delete.
 void *operator new[](std::size_t nBytes, const std::nothrow_t &) noexcept {
-    try {
-        return operator new[](nBytes);
-    } catch (std::bad_alloc &) {
-        return nullptr;
-    }
+    if (nBytes > s_nLargestArray)
+        s_nLargestArray = nBytes;
+    return nBytes > s_nArrayLimit ? nullptr : ::operator new(nBytes, std::nothrow);
 }
 void operator delete[](void *p, const std::nothrow_t &) noexcept {
     ::operator delete(p);
