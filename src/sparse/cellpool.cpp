@@ -80,6 +80,7 @@ void *CellPool::Allocate() {
 }
 
 void CellPool::FreeHere(Slab *pSlab, void *p) {
+    m_nFrees++;
     pSlab->nLive--;
     if (!m_bOwned) {
         if (pSlab->nLive == 0) {
@@ -120,6 +121,18 @@ void CellPool::Free(void *p) {
     } else {
         pPool->FreeHere(pSlab, p);
     }
+}
+
+namespace {
+std::atomic<size_t> s_nUnlinks{0};
+}
+
+size_t CellPool::Unlinks() {
+    return s_nUnlinks.load(std::memory_order_relaxed);
+}
+
+void CellPool::NoteUnlink() {
+    s_nUnlinks.fetch_add(1, std::memory_order_relaxed);
 }
 
 void CellPool::Release() {

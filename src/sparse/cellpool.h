@@ -11,6 +11,7 @@
 // Not part of the public interface.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <vector>
 
@@ -31,6 +32,12 @@ public:
     static void Free(void *p);
     // The owner is gone: slabs without a live cell go now, the others with their last cell.
     void Release();
+    // Counts the cells of this pool freed so far, and (for every pool at once, since a
+    // cell may live anywhere) the unlinks of cell::Remove, row::Remove and row::Allocate:
+    // an index of cells that sees both counts unchanged may trust its pointers.
+    size_t Frees() const { return m_nFrees; }
+    static size_t Unlinks();
+    static void NoteUnlink();
 
 private:
     friend class CellScope;
@@ -46,6 +53,7 @@ private:
     std::vector<Slab *> m_slabs; // in the order made; bump allocation walks them in turn
     size_t m_nBumpSlab = 0;      // the slab after the one being bumped through
     size_t m_nLive = 0;
+    size_t m_nFrees = 0;
     size_t m_nSlabsLeft = 0; // after Release: slabs still holding live cells
     bool m_bOwned = true;
     bool m_bShared = false;

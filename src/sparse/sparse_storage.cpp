@@ -13,6 +13,7 @@ void CSparseMatrix::cell::Remove(cell *pCell) {
     for (cell *p = this; p->m_pNext != NULL; p = p->m_pNext) {
         if (p->m_pNext == pCell) {
             p->m_pNext = pCell->m_pNext;
+            CellPool::NoteUnlink();
             return;
         }
     }
@@ -23,6 +24,7 @@ CSparseMatrix::cell *CSparseMatrix::cell::Remove(int nCol) {
         cell *pFound = p->m_pNext;
         if (pFound->m_nCol == nCol) {
             p->m_pNext = pFound->m_pNext;
+            CellPool::NoteUnlink();
             return pFound;
         }
     }
@@ -59,6 +61,9 @@ void CSparseMatrix::row::Add(int nCol, double dValue) {
 
 // Resizes to exactly nCells cells in columns nFirstCol.., all dValue, reusing cells.
 void CSparseMatrix::row::Allocate(int nCells, double dValue, int nFirstCol) {
+    // Cells keep their objects but change columns.
+    if (m_pFirstCell != NULL)
+        CellPool::NoteUnlink();
     cell **ppLink = &m_pFirstCell;
     for (int i = 0; i < nCells; i++) {
         if (*ppLink == NULL)
@@ -83,6 +88,7 @@ CSparseMatrix::cell *CSparseMatrix::row::Remove(int nCol) {
         return NULL;
     if (p->m_nCol == nCol) {
         m_pFirstCell = p->m_pNext;
+        CellPool::NoteUnlink();
         return p;
     }
     return p->Remove(nCol);

@@ -22,6 +22,15 @@
 //
 // Every Add form drops a value of exactly 0.0. Row numbers are trusted to be in range.
 //
+// Assembly. Allocate(graph) also keeps an index of the pattern it lays out (16 bytes a
+// row), so that AddValues reaches an element's cells without walking the
+// fill-in that Cholesky links into the rows: the next load costs what the first did. The
+// index lets go as soon as a cell of the matrix is freed or any cell is unlinked by Remove
+// or row::Allocate (the prescribed-value operations keep it for the rows they leave
+// alone); AddValues then walks the lists as before, with the same sums. A list relinked
+// by hand, without Remove or delete, must be followed by Allocate(graph) of a new size or
+// Clear before the next AddValues.
+//
 // Cost. Cholesky computes the row-merging factor row by row: each row gathers, in
 // ascending order of the rows it owes, their chains into a work row, so every entry sees
 // the same operations in the same order and the factor is bit for bit the merging one,
@@ -59,6 +68,9 @@
 class CVector;
 class CMatrix;
 class CReorderMat;
+namespace sparse_detail {
+class PatternIndex;
+}
 
 class CSystSpMat : public CSparseMatrix {
     DECLARE_SERIAL(CSystSpMat)
@@ -128,6 +140,12 @@ public:
 private:
     // Frees the table as an array; the list is emptied first.
     void FreeTable();
+    // The index of the pattern Allocate(graph) laid out, if it can still be trusted.
+    sparse_detail::PatternIndex *CurrentIndex();
+    // The index survives an operation that marks the rows it changes; else it goes.
+    void DropIndex();
     // A table of nRows rows without cells, linked as the list.
     void MakeTable(int nRows);
+
+    sparse_detail::PatternIndex *m_pIndex;
 };

@@ -2,6 +2,7 @@
 // column leaves the other rows, and what that column contributed moves to the right-hand
 // sides (a CMatrix, one column each).
 #include "sparse/sparse_internal.h"
+#include "system/patternindex_internal.h"
 #include "system/systspmat.h"
 
 #include "dense/matrix.h"
@@ -12,7 +13,9 @@
 
 // Row d becomes the single cell 1.0 on its diagonal; the row's first cell object is kept
 // for it, or one is made when the row has none.
-static void MakeIdentityRow(CSparseMatrix::row &R, int d) {
+static void MakeIdentityRow(CSparseMatrix::row &R, int d, sparse_detail::PatternIndex *pIndex) {
+    if (pIndex != NULL)
+        pIndex->DropRow(d);
     CSparseMatrix::cell *c = R.m_pFirstCell;
     if (c == NULL)
         c = new CSparseMatrix::cell;
@@ -77,7 +80,8 @@ static std::vector<int> Numbers(CVector &vDOFs) {
 // the first entry with a number finds its cell, a repeat finds none.
 static void TakeColumnsOut(CSparseMatrix::row &R, const PrescribedByNumber &byNumber,
                            CVector &vValues, CMatrix &B, int nCols, bool bKeepDiagonal,
-                           std::vector<std::pair<int, CSparseMatrix::cell *>> &hits) {
+                           std::vector<std::pair<int, CSparseMatrix::cell *>> &hits,
+                           sparse_detail::PatternIndex *pIndex) {
     hits.clear();
     CSparseMatrix::cell **ppLink = &R.m_pFirstCell;
     while (*ppLink != NULL) {
@@ -89,6 +93,8 @@ static void TakeColumnsOut(CSparseMatrix::row &R, const PrescribedByNumber &byNu
             ppLink = &c->m_pNext;
         }
     }
+    if (pIndex != NULL && !hits.empty())
+        pIndex->DropRow(R.m_nRow);
     std::sort(hits.begin(), hits.end());
     for (auto &h : hits) {
         SubtractFromRow(B, nCols, R.m_nRow, vValues[h.first] * h.second->m_dValue);
@@ -108,17 +114,20 @@ void CSystSpMat::UnifyAndZero2(CVector &vDOFs, CVector &vValues, CVirtMat *pB) {
         return;
     std::vector<int> numbers = Numbers(vDOFs);
     PrescribedByNumber byNumber(numbers, m_nTableRows);
+    sparse_detail::PatternIndex *pIndex = CurrentIndex();
 
     // Columns out, the prescribed rows included (their B is overwritten below).
     std::vector<std::pair<int, cell *>> hits;
     for (row *R = m_pFirstRow; R != NULL; R = R->m_pNext)
-        TakeColumnsOut(*R, byNumber, vValues, B, nCols, false, hits);
+        TakeColumnsOut(*R, byNumber, vValues, B, nCols, false, hits, pIndex);
     // Rows of the identity.
     for (int i = 0; i < m; i++) {
         int d = numbers[i];
-        MakeIdentityRow(m_pRowTable[d], d);
+        MakeIdentityRow(m_pRowTable[d], d, pIndex);
         SetRow(B, nCols, d, vValues[i]);
     }
+    if (pIndex != NULL)
+        pIndex->Resync(*m_pCellPool);
 }
 
 // Upper storage, exact for zero values: the prescribed rows become rows of the identity
@@ -133,18 +142,21 @@ void CSystSpMat::SymUnifyAndZero(CVector &vDOFs, CVector &vValues, CVirtMat *pB)
     if (m == 0)
         return;
     std::vector<int> numbers = Numbers(vDOFs);
+    sparse_detail::PatternIndex *pIndex = CurrentIndex();
 
     // Rows of the identity.
     for (int i = 0; i < m; i++) {
         int d = numbers[i];
-        MakeIdentityRow(m_pRowTable[d], d);
+        MakeIdentityRow(m_pRowTable[d], d, pIndex);
         SetRow(B, nCols, d, vValues[i]);
     }
     // Columns out of the other rows.
     PrescribedByNumber byNumber(numbers, m_nTableRows);
     std::vector<std::pair<int, cell *>> hits;
     for (row *R = m_pFirstRow; R != NULL; R = R->m_pNext)
-        TakeColumnsOut(*R, byNumber, vValues, B, nCols, true, hits);
+        TakeColumnsOut(*R, byNumber, vValues, B, nCols, true, hits, pIndex);
+    if (pIndex != NULL)
+        pIndex->Resync(*m_pCellPool);
 }
 
 // Upper storage; mBC holds a number and one value per right-hand side in each row. The
@@ -160,6 +172,7 @@ void CSystSpMat::SymHandleBCs(CMatrix &mBC, CMatrix &mRHS) {
     for (int b = 0; b < nBC; b++)
         numbers[b] = (int)mBC[b][0];
     PrescribedByNumber byNumber(numbers, n);
+    sparse_detail::PatternIndex *pIndex = CurrentIndex();
 
     // Pass 1: every link of a prescribed number moves its contribution into mRHS, the
     // diagonal cell of a prescribed row included. Links are gathered in one walk over the
@@ -205,6 +218,8 @@ void CSystSpMat::SymHandleBCs(CMatrix &mBC, CMatrix &mRHS) {
             if (p->m_nCol > r && (bPrescribedRow || byNumber.Has(p->m_nCol))) {
                 *ppLink = p->m_pNext;
                 delete p;
+                if (pIndex != NULL)
+                    pIndex->DropRow(r);
             } else {
                 ppLink = &p->m_pNext;
             }
@@ -214,6 +229,8 @@ void CSystSpMat::SymHandleBCs(CMatrix &mBC, CMatrix &mRHS) {
     for (int b = 0; b < nBC; b++) {
         int d = numbers[b];
         row &R = m_pRowTable[d];
+        if (pIndex != NULL)
+            pIndex->DropRow(d);
         cell *pDiag = R.Remove(d);
         R.Clear();
         if (pDiag != NULL) {
@@ -222,4 +239,6 @@ void CSystSpMat::SymHandleBCs(CMatrix &mBC, CMatrix &mRHS) {
             R.m_pFirstCell = pDiag;
         }
     }
+    if (pIndex != NULL)
+        pIndex->Resync(*m_pCellPool);
 }

@@ -3,12 +3,13 @@
 
 #include "reorder/reordermat.h"
 #include "sparse/sparse_internal.h"
+#include "system/patternindex_internal.h"
 
 IMPLEMENT_SERIAL(CSystSpMat, CSparseMatrix, 1)
 
-CSystSpMat::CSystSpMat() : m_pRowTable(NULL), m_nTableRows(0) {}
+CSystSpMat::CSystSpMat() : m_pRowTable(NULL), m_nTableRows(0), m_pIndex(NULL) {}
 
-CSystSpMat::CSystSpMat(int nRows) : m_pRowTable(NULL), m_nTableRows(0) {
+CSystSpMat::CSystSpMat(int nRows) : m_pRowTable(NULL), m_nTableRows(0), m_pIndex(NULL) {
     if (nRows >= 1)
         MakeTable(nRows);
 }
@@ -19,10 +20,22 @@ CSystSpMat::~CSystSpMat() {
 }
 
 void CSystSpMat::FreeTable() {
+    DropIndex();
     m_pFirstRow = NULL;
     delete[] m_pRowTable;
     m_pRowTable = NULL;
     m_nTableRows = 0;
+}
+
+sparse_detail::PatternIndex *CSystSpMat::CurrentIndex() {
+    if (m_pIndex != NULL && !m_pIndex->IsCurrent(m_pCellPool))
+        DropIndex();
+    return m_pIndex;
+}
+
+void CSystSpMat::DropIndex() {
+    delete m_pIndex;
+    m_pIndex = NULL;
 }
 
 void CSystSpMat::MakeTable(int nRows) {
@@ -107,6 +120,7 @@ bool CSystSpMat::Allocate(CReorderMat &graph) {
             c->m_nCol = pAdj[k];
         }
     }
+    m_pIndex = new sparse_detail::PatternIndex(m_pRowTable, n, *m_pCellPool);
     return true;
 }
 
@@ -140,32 +154,45 @@ void CSystSpMat::Add(int nRow, int nCol, double dValue, row *&pRow, cell *&pCell
     pRow->Add(nCol, dValue, pCell);
 }
 
+// Sums the element into its cells: found through the pattern index where it can tell,
+// else by one cursor walk along the row per element row, a missing cell made in its place.
 void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
     FEMMAT_CHECK_ELEMENT("CSystSpMat::AddValues", pDOFs, n, m_nTableRows);
     sparse_detail::CellScope cells(m_pCellPool);
     if (n < 1)
         return;
-    int *pOrder = new int[n];
+    // Elements are small: their order lives on the stack.
+    int pSmall[64];
+    int *pOrder = n <= 64 ? pSmall : new int[n];
     int m = sparse_detail::SelectAscending(pDOFs, n, pOrder);
+    const sparse_detail::PatternIndex *pIndex = CurrentIndex();
 
-    // Each row of the element is one pass along its table row with a cell cursor.
+    // Each row of the element takes its columns in ascending order.
     const bool bSym = CVirtMat::m_bSym;
     for (int a = 0; a < m; a++) {
         int i = pOrder[a];
-        row &R = m_pRowTable[pDOFs[i]];
+        const int r = pDOFs[i];
+        row &R = m_pRowTable[r];
         cell *pCursor = NULL;
+        LONG k = 0;
         const double *pElemRow = pValues + (size_t)i * n;
         for (int b = 0; b < m; b++) {
             int j = pOrder[b];
-            if (bSym && pDOFs[j] < R.m_nRow)
+            const int nCol = pDOFs[j];
+            if (bSym && nCol < r)
                 continue;
             double dValue = pElemRow[j];
             if (dValue == 0.0)
                 continue;
-            R.Add(pDOFs[j], dValue, pCursor);
+            cell *c = pIndex != NULL ? pIndex->Find(r, nCol, k) : NULL;
+            if (c != NULL)
+                c->m_dValue += dValue;
+            else
+                R.Add(nCol, dValue, pCursor);
         }
     }
-    delete[] pOrder;
+    if (pOrder != pSmall)
+        delete[] pOrder;
 }
 
 CSystSpMat &CSystSpMat::operator=(CSystSpMat &other) {

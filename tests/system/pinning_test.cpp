@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -234,7 +235,62 @@ TEST(Pinning, SymmetricRoadMatchesThePlainFormsBitForBit) {
                         PlainForwSub(p.b, p.Bb, nMode);
                         p.ExpectSame("transposed substitution");
                     }
+                    // The next load: a finds its cells through the pattern it laid out,
+                    // b, sized by count, walks the filled rows.
+                    int n = p.a.m_nTableRows;
+                    p.a.Allocate(p.g);
+                    p.b.Allocate(&n, 1);
+                    AssembleInLabels(p.a, p.g, p.mesh, 0, false);
+                    AssembleInLabels(p.b, p.g, p.mesh, 0, false);
+                    p.ExpectSame("next load");
+                    // Without prescribed values it may fail, as long as both fail alike.
+                    EXPECT_EQ(p.a.Cholesky(), PlainCholesky(p.b));
+                    p.ExpectSame("next factor");
                 }
+}
+
+// Whatever happens to the lists between two assemblies, AddValues sums into the cells
+// the lists hold then: cells unlinked (kept or freed, their room reused), columns
+// rewritten by row::Allocate, rows emptied.
+TEST(Pinning, AssemblyFollowsTheListsWhateverChangedThem) {
+    SymFlag sym(true);
+    // Each edit yields the cell it unlinked and kept, if any.
+    const std::vector<std::function<cell *(CSystSpMat &)>> edits = {
+        [](CSystSpMat &m) {
+            row &R = m.m_pRowTable[3];
+            return R.Remove(R.m_pFirstCell->m_pNext->m_nCol);
+        },
+        [](CSystSpMat &m) -> cell * {
+            row &R = m.m_pRowTable[5];
+            delete R.Remove(R.m_pFirstCell->m_pNext->m_nCol);
+            m.m_pRowTable[40].Add(41, 0.0); // may take the freed room
+            return NULL;
+        },
+        [](CSystSpMat &m) -> cell * {
+            m.m_pRowTable[7].Allocate(3, 0.0, 7);
+            return NULL;
+        },
+        [](CSystSpMat &m) -> cell * {
+            m.m_pRowTable[9].Clear();
+            return NULL;
+        },
+    };
+    for (size_t e = 0; e < edits.size(); e++) {
+        SCOPED_TRACE(e);
+        Pair p(true, 2, true, true);
+        int n = p.a.m_nTableRows;
+        p.a.Allocate(p.g);
+        p.b.Allocate(&n, 1);
+        cell *pKeptA = edits[e](p.a), *pKeptB = edits[e](p.b);
+        AssembleInLabels(p.a, p.g, p.mesh, 0, false);
+        AssembleInLabels(p.b, p.g, p.mesh, 0, false);
+        p.ExpectSame("after an edit");
+        if (pKeptA != NULL) {
+            EXPECT_EQ(pKeptA->m_dValue, 0.0); // out of the list, out of the sums
+        }
+        delete pKeptA;
+        delete pKeptB;
+    }
 }
 
 TEST(Pinning, FullStoragePrescribedValuesMatchThePlainForm) {
