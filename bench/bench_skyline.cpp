@@ -3,11 +3,26 @@
 // numbering (none, MinDegReorder4 or MinDegReorder2), profile, assembly, prescribed values,
 // factorisation, substitution (ForwSub, DiagMult, BackwSub). Each step's processor time is a
 // counter in milliseconds; "values" is the number of stored values, the profile.
+//
+// With LAPACK (FEMMAT_HAVE_LAPACK) the same constrained matrix, at the same numbering, is
+// also factorised and solved by LAPACK's band Cholesky (dpbtrf, dpbtrs) over the widest
+// row's band: "lapack_ms", and "ratio" = skyline factor and solve / LAPACK's. A band of
+// more than 1 GB is not tried (ratio 0).
 #include "dense/matrix.h"
 #include "poisson.h"
 #include "skyline/skylinematrix.h"
 
 #include <benchmark/benchmark.h>
+
+#include <vector>
+
+#ifdef FEMMAT_HAVE_LAPACK
+extern "C" {
+void dpbtrf_(const char *uplo, const int *n, const int *kd, double *ab, const int *ldab, int *info);
+void dpbtrs_(const char *uplo, const int *n, const int *kd, const int *nrhs, const double *ab,
+             const int *ldab, double *b, const int *ldb, int *info);
+}
+#endif
 
 using namespace poisson;
 
@@ -35,6 +50,7 @@ void Road(benchmark::State &state) {
     CVirtMat::m_bSym = true;
 
     double t[7] = {0};
+    double tLapack = 0.0;
     int nValues = 0;
     double dCheck = 0.0;
     for (auto _ : state) {
@@ -75,6 +91,29 @@ void Road(benchmark::State &state) {
             PrescribeZero(m, B, g.f_v(x));
         t[4] += MsSince(t0);
 
+#ifdef FEMMAT_HAVE_LAPACK
+        // LAPACK's band Cholesky on the same matrix, upper band storage, column-major.
+        int kd = 0;
+        for (int j = 0; j < nDOFs; j++)
+            kd = std::max(kd, j - m.PeakRow(j));
+        const int ldab = kd + 1;
+        if ((double)ldab * nDOFs * sizeof(double) <= 1e9) {
+            std::vector<double> ab((size_t)ldab * nDOFs, 0.0), b(nDOFs);
+            for (int j = 0; j < nDOFs; j++) {
+                for (int i = m.PeakRow(j); i <= j; i++)
+                    ab[(size_t)j * ldab + kd + i - j] = m(i, j);
+                b[j] = B[j][0];
+            }
+            int info = 0, one = 1;
+            t0 = CpuMs();
+            dpbtrf_("U", &nDOFs, &kd, ab.data(), &ldab, &info);
+            dpbtrs_("U", &nDOFs, &kd, &one, ab.data(), &ldab, b.data(), &nDOFs, &info);
+            tLapack += MsSince(t0);
+            if (info != 0)
+                state.SkipWithError("LAPACK failed");
+        }
+#endif
+
         // Factorisation and substitution.
         t0 = CpuMs();
         m.Cholesky();
@@ -93,6 +132,8 @@ void Road(benchmark::State &state) {
     for (int k = 0; k < 7; k++)
         state.counters[names[k]] = benchmark::Counter(t[k], benchmark::Counter::kAvgIterations);
     state.counters["values"] = nValues;
+    state.counters["lapack_ms"] = benchmark::Counter(tLapack, benchmark::Counter::kAvgIterations);
+    state.counters["ratio"] = tLapack > 0.0 ? (t[5] + t[6]) / tLapack : 0.0;
     state.counters["u_corner"] = dCheck;
 }
 
