@@ -186,6 +186,8 @@ int LoadMesh(Run &run, Mesh &mesh) {
     if ((bGeo || MshNeedsGmsh(text)) && !GmshToText(path, bGeo, run.opt.meshSize, text, error))
         return run.Error(kExitBadInput, error);
 #else
+    if (EndsWith(path, ".geo"))
+        return run.Error(kExitBadInput, path + ": meshing needs femsolve built with gmsh's API");
     if (!ReadText(path, text))
         return run.Error(kExitNoFile, "cannot read " + path);
 #endif

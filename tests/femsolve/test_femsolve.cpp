@@ -1,5 +1,5 @@
 // femsolve end to end: exact fields, convergence, the elasticity patch test, the Matrix
-// Market round trip and every error path, on meshes written here.
+// Market round trip, every error path and the files only gmsh reads, on meshes written here.
 #include "femsolve.h"
 #include "mesh.h"
 #include "mtx.h"
@@ -13,6 +13,12 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+// gmsh leaks what it read of a truncated binary 2.2 file; only its allocations are exempt
+// from the sanitizer build's leak check.
+extern "C" const char *__lsan_default_suppressions() {
+    return "leak:libgmsh.so\n";
+}
 
 namespace {
 
@@ -482,7 +488,7 @@ TEST(Femsolve, BinaryMeshSolvesLikeItsAsciiTwin) {
     if (!FemsolveHasGmsh()) {
         EXPECT_EQ(status, kExitBadInput);
         EXPECT_NE(err.find("gmsh's API"), std::string::npos) << err;
-        return;
+        GTEST_SKIP() << "femsolve is built without gmsh's API: only its message is checked";
     }
     ASSERT_EQ(status, kExitOk) << err;
     ASSERT_EQ(run(ascii, vtuA, nullptr), kExitOk);
@@ -508,18 +514,20 @@ TEST(Femsolve, BinaryMeshSolvesLikeItsAsciiTwin) {
 }
 
 TEST(Femsolve, GeoFileIsMeshedByGmshAndSolvedExactly) {
-    if (!FemsolveHasGmsh())
-        GTEST_SKIP() << "femsolve is built without gmsh's API";
-    std::string geo = TempPath("square.geo"), vtu = TempPath("square.vtu");
+    std::string geo = TempPath("square.geo"), vtu = TempPath("square.vtu"), err;
     WriteFile(geo, "h = 0.25;\nPoint(1) = {0, 0, 0, h};\nPoint(2) = {1, 0, 0, h};\n"
                    "Point(3) = {1, 1, 0, h};\nPoint(4) = {0, 1, 0, h};\nLine(1) = {1, 2};\n"
                    "Line(2) = {2, 3};\nLine(3) = {3, 4};\nLine(4) = {4, 1};\n"
                    "Curve Loop(1) = {1, 2, 3, 4};\nPlane Surface(1) = {1};\n"
                    "Physical Curve(\"left\") = {4};\nPhysical Curve(\"right\") = {2};\n"
                    "Physical Surface(\"domain\") = {1};\n");
+    if (!FemsolveHasGmsh()) {
+        EXPECT_EQ(Femsolve({geo, "--fix", "left=1"}, &err), kExitBadInput);
+        EXPECT_NE(err.find("gmsh's API"), std::string::npos) << err;
+        GTEST_SKIP() << "femsolve is built without gmsh's API: only its message is checked";
+    }
     size_t nCoarse = 0;
     for (const char *size : {"0", "0.1"}) {
-        std::string err;
         ASSERT_EQ(
             Femsolve({geo, "--mesh-size", size, "--fix", "left=1", "--fix", "right=3", "-o", vtu},
                      &err),
