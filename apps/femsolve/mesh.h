@@ -1,8 +1,8 @@
 // femsolve's mesh: nodes, linear elements and the physical groups they belong to, read from
-// gmsh's ASCII formats 2.2 and 4.1 (femsolve hands other .msh files to gmsh's API). Only what a
-// linear solver uses is kept: points, 2-node lines, 3-node triangles, 4-node quadrangles and 4-node
-// tetrahedra (gmsh types 15, 1, 2, 3, 4); every other element type is skipped, as are unknown
-// sections.
+// gmsh's ASCII formats 2.2 and 4.1 (femsolve hands other .msh files to gmsh's API). Only
+// what a linear solver uses is kept: points, 2-node lines, 3-node triangles, 4-node
+// quadrangles and 4-node tetrahedra (gmsh types 15, 1, 2, 3, 4); every other element type is
+// skipped, as are unknown sections.
 //
 // Bad input never crashes and never allocates more than its size can justify: a count is
 // trusted only as far as the bytes that follow can hold that many entries.
