@@ -128,9 +128,11 @@ void ElementCoords(const Mesh &mesh, int el, double *pXYZ) {
 }
 
 #ifdef FEMSOLVE_HAVE_GMSH
-// Meshes a .geo into 4.1 ASCII text. Meshes themselves go to the built-in reader, which is
-// fuzzed and whose errors femsolve can name.
-bool GmshToText(const std::string &path, double dSize, std::string &text, std::string &error) {
+// A file gmsh reads, as 4.1 ASCII text for the built-in reader, which is fuzzed and whose
+// errors femsolve can name: a .geo is meshed (bMesh), a .msh only converted, every element
+// kept as the built-in reader keeps them.
+bool GmshToText(const std::string &path, bool bMesh, double dSize, std::string &text,
+                std::string &error) {
     char tmp[] = "/tmp/femsolve_XXXXXX.msh";
     int fd = mkstemps(tmp, 4);
     if (fd < 0) {
@@ -138,23 +140,34 @@ bool GmshToText(const std::string &path, double dSize, std::string &text, std::s
         return false;
     }
     close(fd);
-    bool ok = true;
+    std::string why;
     try {
         gmsh::initialize();
         gmsh::option::setNumber("General.Terminal", 0);
         gmsh::open(path);
-        if (dSize > 0)
-            gmsh::option::setNumber("Mesh.MeshSizeMax", dSize);
-        gmsh::model::mesh::generate(gmsh::model::getDimension());
+        // Some read errors are only logged.
+        gmsh::logger::getLastError(why);
+        if (!why.empty())
+            throw why;
+        if (bMesh) {
+            if (dSize > 0)
+                gmsh::option::setNumber("Mesh.MeshSizeMax", dSize);
+            gmsh::model::mesh::generate(gmsh::model::getDimension());
+        } else {
+            gmsh::option::setNumber("Mesh.SaveAll", 1);
+        }
         gmsh::option::setNumber("Mesh.MshFileVersion", 4.1);
         gmsh::option::setNumber("Mesh.Binary", 0);
         gmsh::write(tmp);
-        gmsh::finalize();
+    } catch (const std::string &e) { // how gmsh throws
+        why = e.empty() ? "failed" : e;
     } catch (...) {
-        error = "gmsh could not read " + path;
-        ok = false;
+        why = "failed";
     }
-    ok = ok && ReadText(tmp, text);
+    gmsh::finalize();
+    bool ok = why.empty() && ReadText(tmp, text);
+    if (!ok)
+        error = "gmsh could not read " + path + ": " + (why.empty() ? "no output" : why);
     unlink(tmp);
     return ok;
 }
@@ -166,13 +179,18 @@ int LoadMesh(Run &run, Mesh &mesh) {
     if (access(path.c_str(), R_OK) != 0)
         return run.Error(kExitNoFile, "cannot open " + path);
 #ifdef FEMSOLVE_HAVE_GMSH
-    if (EndsWith(path, ".geo")) {
-        if (!GmshToText(path, run.opt.meshSize, text, error))
-            return run.Error(kExitBadInput, error);
-    } else
-#endif
-        if (!ReadText(path, text))
+    // A .geo is meshed; a binary .msh or another version, told by its header, converted.
+    bool bGeo = EndsWith(path, ".geo");
+    if (!bGeo && !ReadText(path, text))
         return run.Error(kExitNoFile, "cannot read " + path);
+    if ((bGeo || MshNeedsGmsh(text)) && !GmshToText(path, bGeo, run.opt.meshSize, text, error))
+        return run.Error(kExitBadInput, error);
+#else
+    if (EndsWith(path, ".geo"))
+        return run.Error(kExitBadInput, path + ": meshing needs femsolve built with gmsh's API");
+    if (!ReadText(path, text))
+        return run.Error(kExitNoFile, "cannot read " + path);
+#endif
     if (!ReadMsh(text, mesh, error))
         return run.Error(kExitBadInput, path + ": " + error);
     return kExitOk;
@@ -484,6 +502,14 @@ int RunFemsolve(const FemOptions &opt, std::ostream &out, std::ostream &err) {
         unlink(script.c_str());
     AfxSetReportHandler(old);
     return status;
+}
+
+bool FemsolveHasGmsh() {
+#ifdef FEMSOLVE_HAVE_GMSH
+    return true;
+#else
+    return false;
+#endif
 }
 
 int FemsolveMain(int argc, char **argv) {

@@ -20,8 +20,10 @@
 // - A Matrix Market system must be symmetric: a general file is checked entry by entry, and
 //   one triangle is used. Without --rhs the right-hand side is A times ones, so that the
 //   summary can show the error of the solution as well.
-// - gmsh's API, when it was found, meshes .geo files; a .msh always goes to the built-in
-//   reader, which is fuzzed and names what is wrong with a file.
+// - gmsh's API, when it was found, meshes .geo files and converts a .msh that its $MeshFormat
+//   line shows to be binary or of a version other than 2.2 and 4.1 ASCII; both reach the
+//   built-in reader as 4.1 ASCII. Every other .msh goes to the built-in reader directly,
+//   which is fuzzed and names what is wrong with a file.
 #pragma once
 
 #include "elements.h"
@@ -78,5 +80,7 @@ bool ParseOptions(int argc, char **argv, FemOptions &opt, std::string &error);
 std::string HelpText();
 // The whole run; summary and progress go to out, errors to err. Yields the exit status.
 int RunFemsolve(const FemOptions &opt, std::ostream &out, std::ostream &err);
+// Whether femsolve was built with gmsh's API (.geo files, binary and other .msh versions).
+bool FemsolveHasGmsh();
 // main: parse, run.
 int FemsolveMain(int argc, char **argv);

@@ -1,7 +1,8 @@
 // femsolve's mesh: nodes, linear elements and the physical groups they belong to, read from
-// gmsh's ASCII formats 2.2 and 4.1. Only what a linear solver uses is kept: points, 2-node
-// lines, 3-node triangles, 4-node quadrangles and 4-node tetrahedra (gmsh types 15, 1, 2, 3,
-// 4); every other element type is skipped, as are unknown sections.
+// gmsh's ASCII formats 2.2 and 4.1 (femsolve hands other .msh files to gmsh's API). Only
+// what a linear solver uses is kept: points, 2-node lines, 3-node triangles, 4-node
+// quadrangles and 4-node tetrahedra (gmsh types 15, 1, 2, 3, 4); every other element type is
+// skipped, as are unknown sections.
 //
 // Bad input never crashes and never allocates more than its size can justify: a count is
 // trusted only as far as the bytes that follow can hold that many entries.
@@ -34,3 +35,7 @@ int ElementNodes(int nType);
 
 // Reads a whole .msh text. False with a one-line reason in error on malformed input.
 bool ReadMsh(const std::string &text, Mesh &mesh, std::string &error);
+// Whether the text's $MeshFormat line announces a binary file or a version this reader does
+// not take, so that only gmsh can read it. A missing or garbled header is the reader's to
+// report: false.
+bool MshNeedsGmsh(const std::string &text);

@@ -56,6 +56,13 @@ int Mesh::Dimension() const {
 
 namespace {
 
+// 2 or 4 for the versions read here, 0 for the others.
+int BuiltInVersion(const std::string &v) {
+    if (v == "2.2" || v == "2.1" || v == "2")
+        return 2;
+    return v == "4.1" ? 4 : 0;
+}
+
 // Whitespace-separated tokens over the text, with line access for section markers.
 class Scanner {
 public:
@@ -162,13 +169,11 @@ struct Reader {
         if (!s.Int(nFile) || !s.Int(nSize))
             return Fail("bad $MeshFormat");
         if (nFile != 0)
-            return Fail("binary .msh files are not supported; save as ASCII");
-        if (v == "2.2" || v == "2.1" || v == "2")
-            nVersion = 2;
-        else if (v == "4.1")
-            nVersion = 4;
-        else
-            return Fail("unsupported .msh version " + v + " (2.2 and 4.1 are read)");
+            return Fail("a binary .msh needs femsolve built with gmsh's API; or save as ASCII");
+        nVersion = BuiltInVersion(v);
+        if (nVersion == 0)
+            return Fail(".msh version " + v + " needs femsolve built with gmsh's API (2.2 and " +
+                        "4.1 ASCII are read without it)");
         return End("$EndMeshFormat");
     }
 
@@ -399,4 +404,15 @@ struct Reader {
 bool ReadMsh(const std::string &text, Mesh &mesh, std::string &error) {
     Reader r(text, mesh, error);
     return r.Run();
+}
+
+bool MshNeedsGmsh(const std::string &text) {
+    Scanner s(text);
+    if (s.Line() != "$MeshFormat")
+        return false;
+    std::string v = s.Word();
+    int nFile;
+    if (!s.Int(nFile))
+        return false;
+    return nFile != 0 || BuiltInVersion(v) == 0;
 }

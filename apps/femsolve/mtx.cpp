@@ -19,7 +19,7 @@ bool NextLine(const std::string &text, size_t &pos, std::string &line) {
     line.assign(text, pos, e - pos);
     if (!line.empty() && line.back() == '\r')
         line.pop_back();
-    pos = e + 1;
+    pos = e < text.size() ? e + 1 : e; // never past the end, where counts are measured from
     return true;
 }
 

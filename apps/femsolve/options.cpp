@@ -170,12 +170,15 @@ std::string HelpText() {
     std::string h =
         "femsolve: solve a finite-element problem on a gmsh mesh, or a Matrix Market system.\n"
         "\n"
-        "usage: femsolve MESH [options]            MESH: .msh (gmsh 2.2 or 4.1 ASCII)"
-#ifdef FEMSOLVE_HAVE_GMSH
-        " or .geo"
-#endif
-        "\n"
+        "usage: femsolve MESH [options]\n"
         "       femsolve --matrix A.mtx [--rhs B.mtx] [options]\n"
+        "\n"
+#ifdef FEMSOLVE_HAVE_GMSH
+        "MESH: a gmsh .msh of any version, ASCII or binary, or a .geo that gmsh meshes\n"
+#else
+        "MESH: a gmsh .msh, 2.2 or 4.1 ASCII (binary and other versions, and .geo files,\n"
+        "need femsolve built with gmsh's API: Debian's libgmsh-dev)\n"
+#endif
         "\n"
         "problem\n"
         "  --problem NAME         poisson (default) or elasticity (plane stress)\n"
