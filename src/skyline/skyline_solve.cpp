@@ -28,42 +28,110 @@ struct CSubTimer {
 
 } // namespace
 
+namespace {
+
+// Row i's multiplier j from the dense copy w of row i (first column p), the finished row j
+// (Lj: its value in column s onwards, s = the later of p and row j's peak) and the pivots
+// D: w[j] less each w[c] L(j, c) D[c] in ascending c, then over D[j].
+inline double Multiplier(const double *w, int p, const double *Lj, int s, int j, const double *D) {
+    double dValue = w[j - p];
+    for (int c = s; c < j; c++)
+        dValue -= w[c - p] * Lj[c - s] * D[c];
+    return dValue / D[j];
+}
+
+// Row i's pivot from its multipliers: its diagonal less each square times the pivot.
+inline double Pivot(const double *w, int p, int i, const double *D) {
+    double dPivot = w[i - p];
+    for (int c = p; c < i; c++)
+        dPivot -= std::pow(w[c - p], 2.0) * D[c];
+    return dPivot;
+}
+
+} // namespace
+
+// Finishes row i in the dense copy w (first column p), its pivot into D[i].
+void CSkylineMatrix::FactorRow(int i, double *w, double *D) {
+    const int p = PeakRow(i);
+    for (int j = p; j < i; j++) {
+        const int s = std::max(p, PeakRow(j));
+        w[j - p] = Multiplier(w, p, m_ppDiag[j] - (j - s), s, j, D);
+    }
+    D[i] = w[i - p] = Pivot(w, p, i, D);
+}
+
 // Factorises A = L D L^T in place: row by row, each row worked in a dense copy against the
 // finished rows above it, whose pivots are kept apart in D. Yields 1.
+//
+// Each multiplier is one chain of subtractions, as slow as the latency of each step. Two
+// neighbouring rows are independent up to the later one's last multiplier, so rows go in
+// pairs, their chains side by side over the same finished row; every value sees the
+// same operations in the same order as row by row.
 int CSkylineMatrix::Cholesky() {
     const int n = m_nRows;
     int nMaxHeight = 0;
     for (int i = 0; i < n; i++)
         nMaxHeight = std::max(nMaxHeight, m_pHeights[i]);
-    double *w = new double[nMaxHeight];
+    double *wa = new double[2 * (size_t)nMaxHeight];
+    double *wb = wa + nMaxHeight;
     double *D = DiagVect();
 
-    for (int i = 1; i < n; i++) {
-        const int p = PeakRow(i);
-        const int nLength = i - p + 1;
-        double *pRow = m_ppDiag[i] - (i - p);
-        std::copy(pRow, pRow + nLength, w);
+    int i = 1;
+    for (; i + 1 < n; i += 2) {
+        const int a = i, b = i + 1;
+        const int pa = PeakRow(a), pb = PeakRow(b);
+        double *pRowA = m_ppDiag[a] - (a - pa), *pRowB = m_ppDiag[b] - (b - pb);
+        std::copy(pRowA, pRowA + (a - pa + 1), wa);
+        std::copy(pRowB, pRowB + (b - pb + 1), wb);
 
-        // Multipliers L(i, j), left to right; each uses the finished ones before it.
-        for (int j = p; j < i; j++) {
-            const int s = std::max(p, PeakRow(j));
-            const double *pRowJ = m_ppDiag[j] - (j - s); // L(j, s) onwards
-            double dValue = w[j - p];
-            for (int c = s; c < j; c++)
-                dValue -= w[c - p] * pRowJ[c - s] * D[c];
-            w[j - p] = dValue / D[j];
+        // Multipliers of both rows in the columns before a.
+        for (int j = std::min(pa, pb); j < a; j++) {
+            const int sj = PeakRow(j);
+            const double *Lj = m_ppDiag[j] - (j - sj); // L(j, sj) onwards
+            if (j < pb) {
+                const int s = std::max(pa, sj);
+                wa[j - pa] = Multiplier(wa, pa, Lj + (s - sj), s, j, D);
+                continue;
+            }
+            if (j < pa) {
+                const int s = std::max(pb, sj);
+                wb[j - pb] = Multiplier(wb, pb, Lj + (s - sj), s, j, D);
+                continue;
+            }
+            // Each chain runs alone where only its row reaches, then both together.
+            const int sa = std::max(pa, sj), sb = std::max(pb, sj);
+            double va = wa[j - pa], vb = wb[j - pb];
+            for (int c = sa; c < sb; c++)
+                va -= wa[c - pa] * Lj[c - sj] * D[c];
+            for (int c = sb; c < sa; c++)
+                vb -= wb[c - pb] * Lj[c - sj] * D[c];
+            for (int c = std::max(sa, sb); c < j; c++) {
+                const double l = Lj[c - sj], d = D[c];
+                va -= wa[c - pa] * l * d;
+                vb -= wb[c - pb] * l * d;
+            }
+            wa[j - pa] = va / D[j];
+            wb[j - pb] = vb / D[j];
         }
-        // Pivot.
-        double dPivot = w[i - p];
-        for (int c = p; c < i; c++)
-            dPivot -= std::pow(w[c - p], 2.0) * D[c];
-        w[i - p] = dPivot;
-        D[i] = dPivot;
-
-        std::copy(w, w + nLength, pRow);
+        // Row a is complete; row b takes its last multiplier from it.
+        D[a] = wa[a - pa] = Pivot(wa, pa, a, D);
+        std::copy(wa, wa + (a - pa + 1), pRowA);
+        if (pb <= a) {
+            const int s = std::max(pb, pa);
+            wb[a - pb] = Multiplier(wb, pb, pRowA + (s - pa), s, a, D);
+        }
+        D[b] = wb[b - pb] = Pivot(wb, pb, b, D);
+        std::copy(wb, wb + (b - pb + 1), pRowB);
+    }
+    if (i < n) {
+        const int p = PeakRow(i);
+        double *pRow = m_ppDiag[i] - (i - p);
+        std::copy(pRow, pRow + (i - p + 1), wa);
+        FactorRow(i, wa, D);
+        std::copy(wa, wa + (i - p + 1), pRow);
     }
     delete[] D;
-    delete[] w;
+    delete[] wa;
     return 1;
 }
 

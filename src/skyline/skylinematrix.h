@@ -96,4 +96,6 @@ private:
     bool MakeRowTables();
     bool MakeValues();
     void SetDiagonalsFromHeights();
+    // Finishes row i of the factor in its dense copy w; its pivot goes to D[i].
+    void FactorRow(int i, double *w, double *D);
 };
