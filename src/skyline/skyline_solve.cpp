@@ -146,11 +146,15 @@ void CSkylineMatrix::ForwSub(CVirtMat *pB, double *pTime, int nMode) {
         double *b = B.m_pVector;
         for (int c = nCols - 1; c >= 0; c--) {
             for (int i = 0; i < m_nRows; i++) {
-                double &bi = b[(size_t)i * nCols + c];
-                for (int k = PeakRow(i); k < i; k++)
-                    bi -= (*this)(k, i) * b[(size_t)k * nCols + c];
+                const int p = i - m_pHeights[i] + 1;
+                const double *pRow = m_ppDiag[i] - (i - p);
+                // The running value in a register: the earlier entries are other rows.
+                double bi = b[(size_t)i * nCols + c];
+                for (int k = p; k < i; k++)
+                    bi -= pRow[k - p] * b[(size_t)k * nCols + c];
                 if (nMode == 2)
-                    bi /= (*this)(i, i);
+                    bi /= pRow[i - p];
+                b[(size_t)i * nCols + c] = bi;
             }
         }
     }
@@ -170,12 +174,14 @@ void CSkylineMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
         double *b = B.m_pVector;
         for (int c = nCols - 1; c >= 0; c--) {
             for (int j = m_nRows - 1; j >= 0; j--) {
+                const int p = j - m_pHeights[j] + 1;
+                const double *pRow = m_ppDiag[j] - (j - p);
                 double &bj = b[(size_t)j * nCols + c];
                 if (nMode == 2)
-                    bj /= (*this)(j, j);
+                    bj /= pRow[j - p];
                 const double dFinal = bj;
-                for (int i = PeakRow(j); i < j; i++)
-                    b[(size_t)i * nCols + c] -= (*this)(i, j) * dFinal;
+                for (int i = p; i < j; i++)
+                    b[(size_t)i * nCols + c] -= pRow[i - p] * dFinal;
             }
         }
     }
