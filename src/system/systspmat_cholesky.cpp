@@ -59,7 +59,7 @@ class UpLooking {
 public:
     UpLooking(row *pTable, int n, sparse_detail::CellPool *pPool)
         : m_pPool(pPool), m_pTable(pTable), m_n(n), m_pD(n), m_pColOf(n), m_pValOf(n), m_pPos(n),
-          m_pEnd(n), m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pSlot(n, Slot{0.0, -1}),
+          m_pEnd(n), m_pBucket(n, -1), m_pNextInBucket(n, -1), m_pWork(n, 0.0), m_pMark(n, -1),
           m_nBlock(std::max(n, 1 << 18)) {}
 
     int Factorise() {
@@ -70,10 +70,12 @@ public:
             int nFirst = pFirst != NULL ? pFirst->m_nCol : m_n;
             if (!m_new.empty() && m_new[0] < nFirst)
                 nFirst = m_new[0];
-            if (nFirst == m_n || m_pSlot[nFirst].dWork <= 0.0) {
+            if (nFirst == m_n || m_pWork[nFirst] <= 0.0) {
                 // As the merging form leaves it: the later rows hold every update of the
                 // rows finished so far, and nothing more.
                 Store(j, false);
+                // Rows from j on stay unfinished, so no later row's columns are known.
+                m_bPassedOver = true;
                 for (int t = j + 1; t < m_n; t++)
                     if (m_pBucket[t] >= 0) {
                         Gather(t);
@@ -87,26 +89,52 @@ public:
     }
 
 private:
-    // The work row: an entry's value and the row it belongs to, side by side.
-    struct Slot {
-        double dWork;
-        int nMark;
-    };
-
     // Row j receives, in ascending i, the chains of the finished rows waiting on column j;
     // m_new lists, sorted, the columns that had no cell.
+    //
+    // A position without a cell takes its first update as it stands. Where the columns
+    // of row j are known before the sums, they start at -0.0 instead, which adds as
+    // nothing to any value, sign of zero included; then the sums run without a test. They
+    // are known while no chain has been passed over for a zero multiplier: then the
+    // chains of the rows whose first column is j (the children of j in the elimination
+    // tree) hold every column that any chain brings, since each later chain of a row
+    // went into its first column's row before.
     void Gather(int j) {
-        Slot *pSlot = m_pSlot.data();
-        for (cell *c = m_pTable[j].m_pFirstCell; c != NULL; c = c->m_pNext)
-            pSlot[c->m_nCol] = Slot{c->m_dValue, j};
+        double *pWork = m_pWork.data();
+        int *pMark = m_pMark.data();
+        for (cell *c = m_pTable[j].m_pFirstCell; c != NULL; c = c->m_pNext) {
+            pWork[c->m_nCol] = c->m_dValue;
+            pMark[c->m_nCol] = j;
+        }
         m_rows.clear();
-        for (int i = m_pBucket[j]; i >= 0; i = m_pNextInBucket[i])
+        for (int i = m_pBucket[j]; i >= 0; i = m_pNextInBucket[i]) {
             m_rows.push_back(i);
+            if (m_pValOf[i][m_pPos[i]] == 0.0)
+                m_bPassedOver = true;
+        }
         m_pBucket[j] = -1;
         std::sort(m_rows.begin(), m_rows.end());
-
         m_new.clear();
-        // Plain pointers for the hot loop: the stores into the work row cannot alias them.
+
+        // 1. The columns, from the children's chains, while the rule above holds.
+        const bool bKnown = !m_bPassedOver;
+        if (bKnown) {
+            for (int i : m_rows) {
+                if (m_pPos[i] != 0)
+                    continue;
+                const int *pCol = m_pColOf[i];
+                for (int q = 0; q < m_pEnd[i]; q++) {
+                    const int nCol = pCol[q];
+                    if (pMark[nCol] != j) {
+                        pMark[nCol] = j;
+                        pWork[nCol] = -0.0;
+                        m_new.push_back(nCol);
+                    }
+                }
+            }
+        }
+
+        // 2. The sums, chain by chain.
         const size_t nRows = m_rows.size();
         for (size_t r = 0; r < nRows; r++) {
             const int i = m_rows[r];
@@ -123,16 +151,20 @@ private:
             double a = pVal[p];
             if (a != 0.0) {
                 double dFactor = -a / m_pD[i];
-                for (int q = p; q < nEnd; q++) {
-                    Slot &s = pSlot[pCol[q]];
-                    double x = dFactor * pVal[q];
-                    if (s.nMark == j) {
-                        s.dWork += x;
-                    } else {
-                        // A new cell takes its first update as it stands.
-                        s.nMark = j;
-                        s.dWork = x;
-                        m_new.push_back(pCol[q]);
+                if (bKnown) {
+                    for (int q = p; q < nEnd; q++)
+                        pWork[pCol[q]] += dFactor * pVal[q];
+                } else {
+                    for (int q = p; q < nEnd; q++) {
+                        const int nCol = pCol[q];
+                        double x = dFactor * pVal[q];
+                        if (pMark[nCol] == j) {
+                            pWork[nCol] += x;
+                        } else {
+                            pMark[nCol] = j;
+                            pWork[nCol] = x;
+                            m_new.push_back(nCol);
+                        }
                     }
                 }
             }
@@ -149,7 +181,7 @@ private:
     // pivot go to the flat arrays for the later rows, its cells there are scaled, and it
     // waits on its first column.
     void Store(int j, bool bFinish) {
-        const Slot *pSlot = m_pSlot.data();
+        const double *pWork = m_pWork.data();
         cell **ppLink = &m_pTable[j].m_pFirstCell;
         auto kNew = m_new.begin();
         double d = 0.0;
@@ -172,7 +204,7 @@ private:
                 c = *ppLink = NewCell(c, *kNew++);
             else if (c == NULL)
                 break;
-            double v = pSlot[c->m_nCol].dWork;
+            double v = pWork[c->m_nCol];
             c->m_dValue = v;
             ppLink = &c->m_pNext;
             if (!bFinish)
@@ -223,7 +255,9 @@ private:
     std::vector<int> m_pPos, m_pEnd; // its next chain still owed to a later row
     std::vector<int> m_pBucket;      // per column: the rows owing it a chain
     std::vector<int> m_pNextInBucket;
-    std::vector<Slot> m_pSlot;
+    std::vector<double> m_pWork; // the work row
+    std::vector<int> m_pMark;    // the row each work entry belongs to
+    bool m_bPassedOver = false;  // a chain was passed over, or a row left unfinished
     // The rows' columns and values in blocks, so that growing never copies.
     std::vector<std::unique_ptr<int[]>> m_colBlocks;
     std::vector<std::unique_ptr<double[]>> m_valBlocks;

@@ -308,6 +308,23 @@ TEST(Pinning, FullStoragePrescribedValuesMatchThePlainForm) {
     }
 }
 
+// A stored zero multiplier passes its chain over, so a later row's columns are no longer
+// those its children bring: row 0 skips row 1 and alone makes the cell (2, 3).
+TEST(Pinning, ZeroMultiplierPassesItsChainOver) {
+    CSystSpMat a(4), b(4);
+    for (CSystSpMat *m : {&a, &b}) {
+        cell *pCursor = NULL;
+        for (int c = 0; c < 4; c++)
+            m->m_pRowTable[0].Add(c, c == 0 ? 4.0 : c == 1 ? 0.0 : 1.0, pCursor);
+        for (int r = 1; r < 4; r++)
+            m->m_pRowTable[r].Add(r, 4.0);
+    }
+    ASSERT_EQ(a.Cholesky(), 1);
+    ASSERT_EQ(PlainCholesky(b), 1);
+    EXPECT_TRUE(Cells(a) == Cells(b));
+    EXPECT_NE(a.GetValue(2, 3), nullptr);
+}
+
 // A failing pivot leaves the later rows with the updates of the rows before it, as the
 // row-merging form leaves them.
 TEST(Pinning, FailedFactorisationLeavesTheSameHalfFactor) {
