@@ -108,7 +108,7 @@ static Measures Run(CReorderMat &g, const Numbering &step) {
     m.dSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - tStart).count();
     g.PostReorder();
     int nBand = 0;
-    m.dEnv = g.Env(&nBand);
+    m.dEnv = (double)g.Env64(&nBand);
     m.dBand = nBand;
     CSkylineMatrix sky;
     sky.Allocate(g);

@@ -45,12 +45,12 @@ int main() {
 
     // 2. Numbering.
     int nBand = 0;
-    int nEnvBefore = graph.Env(&nBand);
-    printf("natural numbering: bandwidth %d, envelope %d\n", nBand, nEnvBefore);
+    long long nEnvBefore = graph.Env64(&nBand);
+    printf("natural numbering: bandwidth %d, envelope %lld\n", nBand, nEnvBefore);
     graph.MinDegReorder4();
     graph.PostReorder();
-    int nEnvAfter = graph.Env(&nBand);
-    printf("minimum degree:    bandwidth %d, envelope %d\n", nBand, nEnvAfter);
+    long long nEnvAfter = graph.Env64(&nBand);
+    printf("minimum degree:    bandwidth %d, envelope %lld\n", nBand, nEnvAfter);
 
     // 3. Pattern: the skyline from the graph first, since the system matrix spends it.
     CSkylineMatrix sky;
