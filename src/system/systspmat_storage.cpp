@@ -166,6 +166,9 @@ void CSystSpMat::AddValues(LONG *pDOFs, double *pValues, int n) {
     int *pOrder = n <= 64 ? pSmall : new int[n];
     int m = sparse_detail::SelectAscending(pDOFs, n, pOrder);
     const sparse_detail::PatternIndex *pIndex = CurrentIndex();
+    if (pIndex != NULL)
+        for (int a = 0; a < m; a++)
+            pIndex->Prefetch(pDOFs[pOrder[a]]);
 
     // Each row of the element takes its columns in ascending order.
     const bool bSym = CVirtMat::m_bSym;
