@@ -18,6 +18,10 @@
 // - BackwSub computes exactly what the row-by-row search of every later row computes (each
 //   right-hand side entry receives the same subtractions in the same order), but walks each
 //   stored row once instead of asking every later row whether it reaches up.
+// - Cholesky works rows in pairs: both rows' multipliers over the same finished row run
+//   side by side, each value with the operations and order of the row-by-row form. The
+//   substitutions read rows through m_ppDiag, not through the virtual operator(); a class
+//   derived from this one that overrides operator() does not change what they read.
 // - The second Gauss-Seidel pass subtracts the terms one by one from x[i], as ForwSub does.
 // - GaussSeidel_Iter with a diagonal value among the first n that is 0.0, infinite or NaN
 //   runs no sweep, leaves x unchanged and yields -1; the report (for n of 2 or more) shows 0

@@ -34,7 +34,9 @@
 // Cost. Cholesky computes the row-merging factor row by row: each row gathers, in
 // ascending order of the rows it owes, their chains into a work row, so every entry sees
 // the same operations in the same order and the factor is bit for bit the merging one,
-// without a walk along a target row per update. It needs every cell at or right of its
+// without a walk along a target row per update. While no multiplier has been exactly 0.0,
+// a row's new columns are known from its children in the elimination tree before its sums,
+// which then run without a test per update. It needs every cell at or right of its
 // row's diagonal and inside the table; other tables take the merging form itself. LU finds
 // the rows to eliminate through one waiting list per column. The prescribed-value
 // operations walk the cells once and apply the corrections of each row in the order of
