@@ -2,6 +2,7 @@
 // Mirror, which turns an upper triangle into the full symmetric matrix.
 // Right-hand sides are CMatrix objects: one row per matrix row, one column per system.
 #include <cmath>
+#include <cstdint>
 
 #include "dense/matrix.h"
 #include "sparse/sparse_internal.h"
@@ -130,7 +131,8 @@ void CSparseMatrix::BackwSub(CVirtMat *pB, double *pTime, int nMode) {
                 // A factor's cells lie in the order of its rows, and this walk takes the
                 // rows backwards, which the hardware does not foresee: ask for the memory a
                 // few rows behind. A hint only; it halves the time on mesh factors.
-                __builtin_prefetch(reinterpret_cast<const char *>(c) - 12288);
+                __builtin_prefetch(
+                    reinterpret_cast<const void *>(reinterpret_cast<uintptr_t>(c) - 12288));
                 const double *bc = pData + (size_t)c->m_nCol * nc;
                 for (int k = 0; k < nc; k++)
                     br[k] -= bc[k] * c->m_dValue;

@@ -15,6 +15,7 @@
 #include "sparse/cellpool.h"
 #include "sparse/sparsematrix.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace sparse_detail {
@@ -75,7 +76,7 @@ public:
 private:
     // The k-th cell of a run: cells lie in their slab's bytes one after the other.
     static cell *At(cell *pFirst, LONG k) {
-        return reinterpret_cast<cell *>(reinterpret_cast<char *>(pFirst) + k * sizeof(cell));
+        return reinterpret_cast<cell *>(reinterpret_cast<uintptr_t>(pFirst) + k * sizeof(cell));
     }
 
     struct Run {
