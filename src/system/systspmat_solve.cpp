@@ -10,55 +10,10 @@
 #include <vector>
 
 // A = L U in place without pivoting: left of the diagonal the unit lower factor, from the
-// diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot.
+// diagonal on the upper factor. 1, or -1 at the first missing diagonal or zero pivot. The
+// list's elimination, which reaches the rows through their own table of the list.
 int CSystSpMat::LU() {
-    sparse_detail::CellScope cells(m_pCellPool);
-    // Entry t stands on the first cell of row t that elimination has not passed yet.
-    // The rows wait in one list per column of their entry, so that a pivot finds the rows
-    // with a cell in its column without looking at the others. Rows are independent of
-    // each other in one elimination step, so the order within a list changes no value.
-    const int n = m_nTableRows;
-    std::vector<cell *> pEntry(n);
-    std::vector<int> pWaiting(n, -1), pNextWaiting(n, -1);
-    auto wait = [&](int t) {
-        cell *e = pEntry[t];
-        if (e != NULL && e->m_nCol >= 0 && e->m_nCol < n) {
-            pNextWaiting[t] = pWaiting[e->m_nCol];
-            pWaiting[e->m_nCol] = t;
-        }
-    };
-    for (int t = n - 1; t >= 0; t--) {
-        pEntry[t] = m_pRowTable[t].m_pFirstCell;
-        wait(t);
-    }
-
-    int k = 0;
-    for (row *r = m_pFirstRow; r != NULL; r = r->m_pNext, k++) {
-        cell *p = pEntry[k];
-        if (r->m_nRow != k || p == NULL || p->m_nCol != k || p->m_dValue == 0.0)
-            return -1;
-        // A diagonal with nothing behind it still scales and passes the cells below it.
-        int t = pWaiting[k];
-        pWaiting[k] = -1;
-        while (t >= 0) {
-            int nNext = pNextWaiting[t];
-            if (t > k) {
-                cell *e = pEntry[t];
-                if (e->m_dValue != 0.0) {
-                    double l = e->m_dValue / p->m_dValue;
-                    e->m_dValue = l;
-                    cell *pCursor = e;
-                    for (cell *b = p->m_pNext; b != NULL; b = b->m_pNext)
-                        m_pRowTable[t].Add(b->m_nCol, -(b->m_dValue * l), pCursor);
-                }
-                // Behind e; that may be a cell just created.
-                pEntry[t] = e->m_pNext;
-                wait(t);
-            }
-            t = nNext;
-        }
-    }
-    return 1;
+    return CSparseMatrix::LU();
 }
 
 // One symmetric sweep: (D + L) x_new = F - U x_old with L = U^T, on upper storage.
