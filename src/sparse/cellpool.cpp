@@ -3,6 +3,7 @@
 
 #include "sparse/sparsematrix.h"
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>

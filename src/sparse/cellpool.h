@@ -11,7 +11,6 @@
 // Not part of the public interface.
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <vector>
 

@@ -250,8 +250,8 @@ TEST(Pinning, SymmetricRoadMatchesThePlainFormsBitForBit) {
 }
 
 // Whatever happens to the lists between two assemblies, AddValues sums into the cells
-// the lists hold then: cells unlinked (kept or freed, their room reused), columns
-// rewritten by row::Allocate, rows emptied.
+// the lists hold then: cells unlinked (kept, or freed and their room reused in the same
+// column of another row), columns rewritten by row::Allocate, rows emptied.
 TEST(Pinning, AssemblyFollowsTheListsWhateverChangedThem) {
     SymFlag sym(true);
     // Each edit yields the cell it unlinked and kept, if any.
@@ -261,9 +261,14 @@ TEST(Pinning, AssemblyFollowsTheListsWhateverChangedThem) {
             return R.Remove(R.m_pFirstCell->m_pNext->m_nCol);
         },
         [](CSystSpMat &m) -> cell * {
+            // The freed room goes to a new cell of the same column in another row.
             row &R = m.m_pRowTable[5];
-            delete R.Remove(R.m_pFirstCell->m_pNext->m_nCol);
-            m.m_pRowTable[40].Add(41, 0.0); // may take the freed room
+            const int nCol = R.m_pFirstCell->m_pNext->m_nCol;
+            delete R.Remove(nCol);
+            int r = 0;
+            while (r == 5 || m.GetValue(r, nCol) != NULL)
+                r++;
+            m.Add(r, nCol, 1.0); // through the matrix, so from its pool
             return NULL;
         },
         [](CSystSpMat &m) -> cell * {
@@ -271,7 +276,8 @@ TEST(Pinning, AssemblyFollowsTheListsWhateverChangedThem) {
             return NULL;
         },
         [](CSystSpMat &m) -> cell * {
-            m.m_pRowTable[9].Clear();
+            for (int r = 9; r < 40; r++)
+                m.m_pRowTable[r].Clear();
             return NULL;
         },
     };
